@@ -1,0 +1,39 @@
+// TVONTUIDriver: the one driver object behind the export table. It has no data; each member
+// builds what its call needs and releases it before returning.
+#pragma once
+
+#include "../../platform/win32.h"
+
+// Base of the driver class: nothing but a virtual destructor.
+class TVOObject
+{
+public:
+    virtual ~TVOObject() {}
+};
+
+class TVONTUIDriver : public TVOObject
+{
+public:
+    ~TVONTUIDriver() override;
+
+    DWORD DrvDeviceCapabilities(HANDLE hPrinter, PWSTR pDeviceName, WORD iDevCap, void* pvOutput,
+                                PDEVMODEW pDevMode);
+    BOOL DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut,
+                           PLONG pcbNeeded, DWORD fMode);
+    BOOL DrvPrinterEvent(LPWSTR pPrinterName, INT DriverEvent, DWORD Flags, LPARAM lParam);
+    BOOL DevQueryPrint(HANDLE hPrinter, LPDEVMODEW pDevMode, DWORD* pResID);
+    BOOL DevQueryPrintEx(PDEVQUERYPRINT_INFO pDQPInfo);
+    LONG DrvDocumentProperties(HWND hwnd, HANDLE hPrinter, PWSTR lpszDeviceName,
+                               PDEVMODEW pdmOutput, PDEVMODEW pdmInput, DWORD fMode);
+    LONG DrvDevicePropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
+    LONG DrvDocumentPropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
+
+    // Reads the debug switches of the printer, except when the sheet is being destroyed.
+    void ReadDebugSwitches(HANDLE hPrinter, WORD reason);
+};
+
+// The name of a document event for the trace; "DEFAULT" for one the table does not know.
+const WCHAR* DocumentEventName(int iEsc);
+
+// The flag word that governs the traces of the driver's entries.
+BOOL TraceEntryFlags();

@@ -1,0 +1,183 @@
+// Names of a queue and the per-user store.
+#include "qlmutils.h"
+
+#include "qlmtrace.h"
+#include "wstr.h"
+
+HINSTANCE g_hInstance = nullptr;
+
+namespace {
+
+WCHAR s_szPrinterName[kQLM_NAME_CCH];
+WCHAR s_szDriverName[kQLM_NAME_CCH];
+
+BOOL TraceUtils()
+{
+    return g_bTraceQLMUtils | g_bTraceQLMRegistryFunctions;
+}
+
+// Opens (creating) the queue's key below HKEY_CURRENT_USER with all access.
+LONG OpenUserKey(LPCWSTR pszPrinterName, HKEY* phKey)
+{
+    WCHAR szKey[kQLM_USER_KEY_CCH];
+    QLMFormUserKey(szKey, pszPrinterName);
+    DWORD dwDisposition = 0;
+    LONG lResult = RegCreateKeyExW(HKEY_CURRENT_USER, szKey, 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                   KEY_ALL_ACCESS, nullptr, phKey, &dwDisposition);
+    ASSERT(0L == lResult);
+    return lResult;
+}
+
+LONG CloseUserKey(HKEY hKey, LONG lResult)
+{
+    LONG lClose = RegCloseKey(hKey);
+    ASSERT(0L == lClose);
+    return lResult != ERROR_SUCCESS ? lResult : lClose;
+}
+
+LONG SetUserValue(HANDLE hPrinter, LPCWSTR pszTag, DWORD dwType, const BYTE* pData, DWORD cb)
+{
+    LPWSTR pPrinterName = QLMGetPrinterName(hPrinter);
+    if (!pPrinterName) {
+        ASSERT(pPrinterName);
+        return ERROR_INSUFFICIENT_BUFFER;
+    }
+    HKEY hKey = nullptr;
+    LONG lResult = OpenUserKey(pPrinterName, &hKey);
+    if (lResult != ERROR_SUCCESS)
+        return lResult;
+    lResult = RegSetValueExW(hKey, pszTag, 0, dwType, pData, cb);
+    ASSERT(0L == lResult);
+    return CloseUserKey(hKey, lResult);
+}
+
+} // namespace
+
+LPBYTE QLMGetPrinterInfo(HANDLE hPrinter, DWORD level)
+{
+    DWORD cbNeeded = 0;
+    if (GetPrinterW(hPrinter, level, nullptr, 0, &cbNeeded) ||
+        GetLastError() != ERROR_INSUFFICIENT_BUFFER || cbNeeded == 0)
+        return nullptr;
+    LPBYTE pInfo = static_cast<LPBYTE>(GlobalAlloc(GPTR, cbNeeded));
+    if (!pInfo)
+        return nullptr;
+    BOOL bResult = GetPrinterW(hPrinter, level, pInfo, cbNeeded, &cbNeeded);
+    ASSERT(bResult);
+    if (!bResult) {
+        GlobalFree(pInfo);
+        return nullptr;
+    }
+    return pInfo;
+}
+
+// Copies one name of the queue's PRINTER_INFO_2 into a module buffer.
+static LPWSTR GetPrinterInfoName(const WCHAR* pszFunction, HANDLE hPrinter, WCHAR* buffer,
+                                 bool bDriverName)
+{
+    QLM_TRACE_SCOPE(pszFunction, TraceUtils());
+    if (!hPrinter) {
+        ASSERT(hPrinter);
+        Trace(TEXT("Can't look up printer name with invalid handle"));
+        return nullptr;
+    }
+    PRINTER_INFO_2W* pPrinterInfo =
+        reinterpret_cast<PRINTER_INFO_2W*>(QLMGetPrinterInfo(hPrinter, 2));
+    if (!pPrinterInfo) {
+        ASSERT(pPrinterInfo);
+        return nullptr;
+    }
+    for (size_t i = 0; i < kQLM_NAME_CCH; i++)
+        buffer[i] = 0;
+    WstrCopy(buffer, kQLM_NAME_CCH,
+             bDriverName ? pPrinterInfo->pDriverName : pPrinterInfo->pPrinterName);
+    GlobalFree(pPrinterInfo);
+    return buffer;
+}
+
+LPWSTR QLMGetPrinterName(HANDLE hPrinter)
+{
+    LPWSTR pszName = GetPrinterInfoName(TEXT("QLMGetPrinterName"), hPrinter, s_szPrinterName, false);
+    if (!pszName)
+        return nullptr;
+    // A connection \\host\queue becomes host-queue: a key name has no backslash to spare.
+    if (pszName[0] == TEXT('\\') && pszName[1] == TEXT('\\')) {
+        WCHAR szCopy[kQLM_NAME_CCH];
+        WstrCopy(szCopy, kQLM_NAME_CCH, pszName + 2);
+        WstrCopy(pszName, kQLM_NAME_CCH, szCopy);
+        for (WCHAR* p = pszName; *p; p++) {
+            if (*p == TEXT('\\')) {
+                *p = TEXT('-');
+                break;
+            }
+        }
+    }
+    return pszName;
+}
+
+LPWSTR QLMGetDriverName(HANDLE hPrinter)
+{
+    return GetPrinterInfoName(TEXT("QLMGetDriverName"), hPrinter, s_szDriverName, true);
+}
+
+void QLMFormUserKey(LPWSTR pszKey, LPCWSTR pszPrinterName)
+{
+    WstrCopy(pszKey, kQLM_USER_KEY_CCH, QLM_USER_KEY);
+    WstrCat(pszKey, kQLM_USER_KEY_CCH, pszPrinterName);
+}
+
+LONG QLMSetUserDWORD(HANDLE hPrinter, LPCWSTR pszTag, const DWORD* pValue)
+{
+    QLM_TRACE_SCOPE(TEXT("QLMSetUserDWORD"), TraceUtils());
+    return SetUserValue(hPrinter, pszTag, REG_DWORD, reinterpret_cast<const BYTE*>(pValue),
+                        sizeof(DWORD));
+}
+
+LONG QLMSetUserBINARY(HANDLE hPrinter, LPCWSTR pszTag, const BYTE* pData, DWORD cbLen)
+{
+    QLM_TRACE_SCOPE(TEXT("QLMSetUserBINARY"), TraceUtils());
+    return SetUserValue(hPrinter, pszTag, REG_BINARY, pData, cbLen);
+}
+
+LONG QLMGetUserDWORD(HANDLE hPrinter, LPCWSTR pszTag, DWORD* pValue)
+{
+    QLM_TRACE_SCOPE(TEXT("QLMGetUserDWORD"), TraceUtils());
+    LPWSTR pPrinterName = QLMGetPrinterName(hPrinter);
+    if (!pPrinterName) {
+        ASSERT(pPrinterName);
+        return static_cast<LONG>(GetLastError());
+    }
+    HKEY hKey = nullptr;
+    LONG lResult = OpenUserKey(pPrinterName, &hKey);
+    if (lResult != ERROR_SUCCESS)
+        return lResult;
+    // Read into a word of our own: a value of another size must not leave *pValue half written.
+    DWORD dwValue = 0;
+    DWORD cb = sizeof(dwValue);
+    lResult = RegQueryValueExW(hKey, pszTag, nullptr, nullptr, reinterpret_cast<LPBYTE>(&dwValue),
+                               &cb);
+    if (lResult == ERROR_SUCCESS && cb != sizeof(dwValue))
+        lResult = ERROR_INVALID_DATA;
+    if (lResult == ERROR_SUCCESS)
+        *pValue = dwValue;
+    else
+        Trace(TEXT("QLMGetUserDWORD: %s not read, error %d"), pszTag, lResult);
+    return CloseUserKey(hKey, lResult);
+}
+
+LONG QLMGetUserBINARY(LPCWSTR pPrinterName, LPCWSTR pszTag, BYTE* pData, DWORD* pcbLen)
+{
+    QLM_TRACE_SCOPE(TEXT("QLMGetUserBINARY"), TraceUtils());
+    if (!pPrinterName) {
+        ASSERT(pPrinterName);
+        return static_cast<LONG>(GetLastError());
+    }
+    if (pPrinterName[0] == TEXT('\\') && pPrinterName[1] != 0)
+        pPrinterName += 2;
+    HKEY hKey = nullptr;
+    LONG lResult = OpenUserKey(pPrinterName, &hKey);
+    if (lResult != ERROR_SUCCESS)
+        return lResult;
+    lResult = RegQueryValueExW(hKey, pszTag, nullptr, nullptr, pData, pcbLen);
+    return CloseUserKey(hKey, lResult);
+}

@@ -1,0 +1,116 @@
+// The Linux host's own C++ interface: what tests and tools use to set up and inspect the state
+// that Windows keeps in the spooler and the registry. The driver never includes this header; it
+// sees only the Win32 names of platform/win32.h.
+#pragma once
+
+#include "../win32.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// ---- The store ---------------------------------------------------------------------------
+//
+// One SQLite database holds printers, printer data, ports, registry keys and values, and the
+// host settings. OpenStore(":memory:") gives a private store for a test. Without an explicit
+// OpenStore, the first Win32 call opens HomeDirectory()/store.db. Every write is one
+// transaction; a write by another process is seen by the next read.
+
+// Opens (creating if needed) the store at path, or ":memory:". Closes any store open before.
+// Returns false with a message in *error when the file cannot be opened or is not a store.
+bool OpenStore(const std::string& path, std::string* error = nullptr);
+void CloseStore();
+// $QLMHOST_HOME, else ~/.qlmhost. Created on first use.
+std::string HomeDirectory();
+// Makes dir the home directory for this process (what qlmhost --home does).
+void SetHomeDirectory(const std::string& dir);
+// Maps a Windows path to a host path: "C:\X\Y" -> HomeDirectory()/X/Y; any other path with
+// backslashes has them turned into slashes.
+std::string MapWindowsPath(const std::u16string& windowsPath);
+
+// ---- Text -------------------------------------------------------------------------------
+std::u16string Utf8ToUtf16(const std::string& text);
+std::string Utf16ToUtf8(const std::u16string& text);
+std::string Utf16ToUtf8(const WCHAR* text); // null gives ""
+
+// ---- Printers and ports -----------------------------------------------------------------
+struct PrinterRecord {
+    std::u16string name;
+    std::u16string driverName;
+    std::u16string portName;
+    std::u16string comment;
+    std::u16string location;
+    DWORD attributes = PRINTER_ATTRIBUTE_QUEUED | PRINTER_ATTRIBUTE_LOCAL;
+    std::vector<uint8_t> devMode; // empty: the queue has no stored record
+};
+// Adds a queue; false if the name exists already or is empty.
+bool AddPrinter(const PrinterRecord& printer);
+bool RemovePrinter(const std::u16string& name); // also removes its printer data
+bool GetPrinterRecord(const std::u16string& name, PrinterRecord* printer);
+std::vector<PrinterRecord> ListPrinters();
+
+struct PortRecord {
+    std::u16string name;
+    std::u16string monitorName;
+    std::u16string description;
+};
+bool AddPort(const PortRecord& port); // replaces a port of the same name
+bool RemovePort(const std::u16string& name);
+std::vector<PortRecord> ListPorts();
+
+// ---- Printer data -----------------------------------------------------------------------
+// GetPrinterDataW/SetPrinterDataW use the key "PrinterDriverData", as on Windows.
+struct DataValue {
+    std::u16string key;
+    std::u16string name;
+    DWORD type = REG_NONE;
+    std::vector<uint8_t> data;
+};
+bool SetPrinterData(const std::u16string& printer, const DataValue& value);
+bool GetPrinterData(const std::u16string& printer, const std::u16string& key,
+                    const std::u16string& name, DataValue* value);
+std::vector<DataValue> ListPrinterData(const std::u16string& printer);
+
+// ---- Registry -----------------------------------------------------------------------------
+// path is "HKCU\..." or "HKLM\..." (also HKEY_CURRENT_USER\, HKEY_LOCAL_MACHINE\). HKCU is the
+// hive of the current user (UserName()).
+bool RegistryKeyExists(const std::string& path);
+std::vector<std::u16string> RegistrySubKeys(const std::string& path);
+
+// ---- Host settings ----------------------------------------------------------------------
+// The name GetUserNameW gives and whose HKEY_CURRENT_USER is used. Default: the login name.
+void SetUserName(const std::u16string& name);
+std::u16string UserName();
+// The measurement system GetLocaleInfoW(LOCALE_IMEASURE) reports: true "0" (metric), false "1".
+void SetMetric(bool metric);
+bool IsMetric();
+// What GetVersionExW reports. Default 10.0.19045.
+void SetSystemVersion(DWORD major, DWORD minor, DWORD build);
+void GetSystemVersion(DWORD* major, DWORD* minor, DWORD* build);
+// The Windows path GetPrinterDriverDirectoryW reports for the current environment.
+std::u16string DriverDirectory();
+
+// ---- Debug output and message boxes -----------------------------------------------------
+// OutputDebugStringW goes to standard error when QLMHOST_TRACE is set, and to the sink when
+// one is installed (tests); the sink receives each string as it was given.
+void SetDebugOutputSink(std::function<void(const std::u16string&)> sink);
+
+struct MessageBoxCall {
+    HWND owner;
+    std::u16string text;
+    std::u16string caption;
+    UINT type;
+    int answer;
+};
+// A message box takes the next queued answer, else its default button. Every box is recorded.
+void QueueMessageBoxAnswer(int answer);
+void ClearMessageBoxAnswers();
+std::vector<MessageBoxCall> MessageBoxCalls();
+void ClearMessageBoxCalls();
+// How often DebugBreak was called; it only breaks into a debugger that is attached.
+int DebugBreakCount();
+
+} // namespace host
