@@ -12,14 +12,15 @@
 #ifndef _UNICODE
 #define _UNICODE
 #endif
+// winsock2.h must come before windows.h, which would otherwise pull in the old winsock.h.
+#include <winsock2.h>
+#include <ws2tcpip.h>
 #include <windows.h>
 #include <winspool.h>
 #include <commctrl.h>
 #include <commdlg.h>
 #include <compstui.h>
 #include <winddiui.h>
-#include <winsock2.h>
-#include <ws2tcpip.h>
 #else
 #include "host/decl/types.h"
 #include "host/decl/kernel.h"
