@@ -37,7 +37,8 @@ std::string Utf16ToUtf8(const std::u16string& text);
 std::string Utf16ToUtf8(const WCHAR* text); // null gives ""
 
 // ---- Printers and ports -----------------------------------------------------------------
-struct PrinterRecord {
+struct PrinterRecord
+{
     std::u16string name;
     std::u16string driverName;
     std::u16string portName;
@@ -52,7 +53,8 @@ bool RemovePrinter(const std::u16string& name); // also removes its printer data
 bool GetPrinterRecord(const std::u16string& name, PrinterRecord* printer);
 std::vector<PrinterRecord> ListPrinters();
 
-struct PortRecord {
+struct PortRecord
+{
     std::u16string name;
     std::u16string monitorName;
     std::u16string description;
@@ -63,7 +65,8 @@ std::vector<PortRecord> ListPorts();
 
 // ---- Printer data -----------------------------------------------------------------------
 // GetPrinterDataW/SetPrinterDataW use the key "PrinterDriverData", as on Windows.
-struct DataValue {
+struct DataValue
+{
     std::u16string key;
     std::u16string name;
     DWORD type = REG_NONE;
@@ -98,7 +101,8 @@ std::u16string DriverDirectory();
 // one is installed (tests); the sink receives each string as it was given.
 void SetDebugOutputSink(std::function<void(const std::u16string&)> sink);
 
-struct MessageBoxCall {
+struct MessageBoxCall
+{
     HWND owner;
     std::u16string text;
     std::u16string caption;

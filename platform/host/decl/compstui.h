@@ -6,7 +6,8 @@
 typedef LONG_PTR(CALLBACK* PFNCOMPROPSHEET)(HANDLE hComPropSheet, UINT Function, LPARAM lParam1,
                                             LPARAM lParam2);
 
-typedef struct _PROPSHEETUI_INFO {
+typedef struct _PROPSHEETUI_INFO
+{
     WORD cbSize;
     WORD Version;
     WORD Flags;
@@ -30,12 +31,13 @@ typedef struct _PROPSHEETUI_INFO {
 #define CPSFUNC_SET_HSTARTPAGE     11
 #define CPSFUNC_SET_RESULT         15
 
-#define CPSUI_CANCEL          0
-#define CPSUI_OK              1
-#define CPSUI_RESTARTWINDOWS  2
-#define CPSUI_REBOOTSYSTEM    3
+#define CPSUI_CANCEL         0
+#define CPSUI_OK             1
+#define CPSUI_RESTARTWINDOWS 2
+#define CPSUI_REBOOTSYSTEM   3
 
-typedef struct _SETRESULT_INFO {
+typedef struct _SETRESULT_INFO
+{
     WORD cbSize;
     WORD wReserved;
     HANDLE hSetResult;
@@ -43,57 +45,57 @@ typedef struct _SETRESULT_INFO {
 } SETRESULT_INFO, *PSETRESULT_INFO;
 
 // Events of a printer's life (winddiui.h).
-#define PRINTER_EVENT_ADD_CONNECTION    1
-#define PRINTER_EVENT_DELETE_CONNECTION 2
-#define PRINTER_EVENT_INITIALIZE        3
-#define PRINTER_EVENT_DELETE            4
-#define PRINTER_EVENT_CACHE_REFRESH     5
-#define PRINTER_EVENT_CACHE_DELETE      6
+#define PRINTER_EVENT_ADD_CONNECTION     1
+#define PRINTER_EVENT_DELETE_CONNECTION  2
+#define PRINTER_EVENT_INITIALIZE         3
+#define PRINTER_EVENT_DELETE             4
+#define PRINTER_EVENT_CACHE_REFRESH      5
+#define PRINTER_EVENT_CACHE_DELETE       6
 #define PRINTER_EVENT_ATTRIBUTES_CHANGED 7
-#define PRINTER_EVENT_FLAG_NO_UI        1
+#define PRINTER_EVENT_FLAG_NO_UI         1
 
-#define DOCUMENTEVENT_CREATEDCPRE   1
-#define DOCUMENTEVENT_CREATEDCPOST  2
-#define DOCUMENTEVENT_RESETDCPRE    3
-#define DOCUMENTEVENT_RESETDCPOST   4
-#define DOCUMENTEVENT_STARTDOC      5
-#define DOCUMENTEVENT_STARTPAGE     6
-#define DOCUMENTEVENT_ENDPAGE       7
-#define DOCUMENTEVENT_ENDDOC        8
-#define DOCUMENTEVENT_ABORTDOC      9
-#define DOCUMENTEVENT_DELETEDC      10
-#define DOCUMENTEVENT_ESCAPE        11
-#define DOCUMENTEVENT_ENDDOCPOST    12
-#define DOCUMENTEVENT_STARTDOCPOST  13
-#define DOCUMENTEVENT_QUERYFILTER   14
-#define DOCUMENTEVENT_LAST          15
+#define DOCUMENTEVENT_CREATEDCPRE  1
+#define DOCUMENTEVENT_CREATEDCPOST 2
+#define DOCUMENTEVENT_RESETDCPRE   3
+#define DOCUMENTEVENT_RESETDCPOST  4
+#define DOCUMENTEVENT_STARTDOC     5
+#define DOCUMENTEVENT_STARTPAGE    6
+#define DOCUMENTEVENT_ENDPAGE      7
+#define DOCUMENTEVENT_ENDDOC       8
+#define DOCUMENTEVENT_ABORTDOC     9
+#define DOCUMENTEVENT_DELETEDC     10
+#define DOCUMENTEVENT_ESCAPE       11
+#define DOCUMENTEVENT_ENDDOCPOST   12
+#define DOCUMENTEVENT_STARTDOCPOST 13
+#define DOCUMENTEVENT_QUERYFILTER  14
+#define DOCUMENTEVENT_LAST         15
 
 // Device capability indexes (wingdi.h).
-#define DC_FIELDS            1
-#define DC_PAPERS            2
-#define DC_PAPERSIZE         3
-#define DC_MINEXTENT         4
-#define DC_MAXEXTENT         5
-#define DC_BINS              6
-#define DC_DUPLEX            7
-#define DC_SIZE              8
-#define DC_EXTRA             9
-#define DC_VERSION           10
-#define DC_DRIVER            11
-#define DC_BINNAMES          12
-#define DC_ENUMRESOLUTIONS   13
-#define DC_FILEDEPENDENCIES  14
-#define DC_TRUETYPE          15
-#define DC_PAPERNAMES        16
-#define DC_ORIENTATION       17
-#define DC_COPIES            18
-#define GDI_ERROR            (0xFFFFFFFFL)
+#define DC_FIELDS           1
+#define DC_PAPERS           2
+#define DC_PAPERSIZE        3
+#define DC_MINEXTENT        4
+#define DC_MAXEXTENT        5
+#define DC_BINS             6
+#define DC_DUPLEX           7
+#define DC_SIZE             8
+#define DC_EXTRA            9
+#define DC_VERSION          10
+#define DC_DRIVER           11
+#define DC_BINNAMES         12
+#define DC_ENUMRESOLUTIONS  13
+#define DC_FILEDEPENDENCIES 14
+#define DC_TRUETYPE         15
+#define DC_PAPERNAMES       16
+#define DC_ORIENTATION      17
+#define DC_COPIES           18
+#define GDI_ERROR           (0xFFFFFFFFL)
 
 #ifdef __cplusplus
 extern "C" {
 #endif
-int WINAPI DrvDocumentEvent(HANDLE hPrinter, HDC hdc, int iEsc, ULONG cbIn, PVOID pvIn,
-                            ULONG cbOut, PVOID pvOut);
+int WINAPI DrvDocumentEvent(HANDLE hPrinter, HDC hdc, int iEsc, ULONG cbIn, PVOID pvIn, ULONG cbOut,
+                            PVOID pvOut);
 BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, INT DriverEvent, DWORD Flags, LPARAM lParam);
 BOOL WINAPI PrinterProperties(HWND hWnd, HANDLE hPrinter);
 #ifdef __cplusplus

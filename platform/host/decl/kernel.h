@@ -48,7 +48,8 @@ DWORD WINAPI GetFileSize(HANDLE hFile, LPDWORD lpFileSizeHigh);
 BOOL WINAPI CloseHandle(HANDLE hObject);
 
 // System version.
-typedef struct _OSVERSIONINFOW {
+typedef struct _OSVERSIONINFOW
+{
     DWORD dwOSVersionInfoSize;
     DWORD dwMajorVersion;
     DWORD dwMinorVersion;
@@ -56,7 +57,8 @@ typedef struct _OSVERSIONINFOW {
     DWORD dwPlatformId;
     WCHAR szCSDVersion[128];
 } OSVERSIONINFOW, *POSVERSIONINFOW, *LPOSVERSIONINFOW;
-typedef struct _OSVERSIONINFOEXW {
+typedef struct _OSVERSIONINFOEXW
+{
     DWORD dwOSVersionInfoSize;
     DWORD dwMajorVersion;
     DWORD dwMinorVersion;
@@ -70,12 +72,15 @@ typedef struct _OSVERSIONINFOEXW {
     BYTE wReserved;
 } OSVERSIONINFOEXW, *POSVERSIONINFOEXW, *LPOSVERSIONINFOEXW;
 #define VER_PLATFORM_WIN32_NT 2
+#define VER_NT_WORKSTATION    1
 BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW lpVersionInformation);
 
 // Locale.
 #define LOCALE_USER_DEFAULT   0x0400
 #define LOCALE_SYSTEM_DEFAULT 0x0800
 #define LOCALE_IMEASURE       0x0000000D
+#define LOCALE_NOUSEROVERRIDE 0x80000000
+#define LOCALE_RETURN_NUMBER  0x20000000
 int WINAPI GetLocaleInfoW(LCID Locale, LCTYPE LCType, LPWSTR lpLCData, int cchData);
 
 // Time, user, debugging, modules.

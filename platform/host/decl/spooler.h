@@ -7,15 +7,18 @@
 #define CCHDEVICENAME 32
 #define CCHFORMNAME   32
 
-typedef struct _devicemodeW {
+typedef struct _devicemodeW
+{
     WCHAR dmDeviceName[CCHDEVICENAME];
     WORD dmSpecVersion;
     WORD dmDriverVersion;
     WORD dmSize;
     WORD dmDriverExtra;
     DWORD dmFields;
-    union {
-        struct {
+    union
+    {
+        struct
+        {
             short dmOrientation;
             short dmPaperSize;
             short dmPaperLength;
@@ -25,7 +28,8 @@ typedef struct _devicemodeW {
             short dmDefaultSource;
             short dmPrintQuality;
         };
-        struct {
+        struct
+        {
             POINTL dmPosition;
             DWORD dmDisplayOrientation;
             DWORD dmDisplayFixedOutput;
@@ -41,7 +45,8 @@ typedef struct _devicemodeW {
     DWORD dmBitsPerPel;
     DWORD dmPelsWidth;
     DWORD dmPelsHeight;
-    union {
+    union
+    {
         DWORD dmDisplayFlags;
         DWORD dmNup;
     };
@@ -58,32 +63,32 @@ typedef struct _devicemodeW {
 
 #define DM_SPECVERSION 0x0401
 
-#define DM_ORIENTATION     0x00000001L
-#define DM_PAPERSIZE       0x00000002L
-#define DM_PAPERLENGTH     0x00000004L
-#define DM_PAPERWIDTH      0x00000008L
-#define DM_SCALE           0x00000010L
-#define DM_POSITION        0x00000020L
-#define DM_NUP             0x00000040L
-#define DM_COPIES          0x00000100L
-#define DM_DEFAULTSOURCE   0x00000200L
-#define DM_PRINTQUALITY    0x00000400L
-#define DM_COLOR           0x00000800L
-#define DM_DUPLEX          0x00001000L
-#define DM_YRESOLUTION     0x00002000L
-#define DM_TTOPTION        0x00004000L
-#define DM_COLLATE         0x00008000L
-#define DM_FORMNAME        0x00010000L
-#define DM_LOGPIXELS       0x00020000L
-#define DM_BITSPERPEL      0x00040000L
-#define DM_PELSWIDTH       0x00080000L
-#define DM_PELSHEIGHT      0x00100000L
-#define DM_DISPLAYFLAGS    0x00200000L
+#define DM_ORIENTATION      0x00000001L
+#define DM_PAPERSIZE        0x00000002L
+#define DM_PAPERLENGTH      0x00000004L
+#define DM_PAPERWIDTH       0x00000008L
+#define DM_SCALE            0x00000010L
+#define DM_POSITION         0x00000020L
+#define DM_NUP              0x00000040L
+#define DM_COPIES           0x00000100L
+#define DM_DEFAULTSOURCE    0x00000200L
+#define DM_PRINTQUALITY     0x00000400L
+#define DM_COLOR            0x00000800L
+#define DM_DUPLEX           0x00001000L
+#define DM_YRESOLUTION      0x00002000L
+#define DM_TTOPTION         0x00004000L
+#define DM_COLLATE          0x00008000L
+#define DM_FORMNAME         0x00010000L
+#define DM_LOGPIXELS        0x00020000L
+#define DM_BITSPERPEL       0x00040000L
+#define DM_PELSWIDTH        0x00080000L
+#define DM_PELSHEIGHT       0x00100000L
+#define DM_DISPLAYFLAGS     0x00200000L
 #define DM_DISPLAYFREQUENCY 0x00400000L
-#define DM_ICMMETHOD       0x00800000L
-#define DM_ICMINTENT       0x01000000L
-#define DM_MEDIATYPE       0x02000000L
-#define DM_DITHERTYPE      0x04000000L
+#define DM_ICMMETHOD        0x00800000L
+#define DM_ICMINTENT        0x01000000L
+#define DM_MEDIATYPE        0x02000000L
+#define DM_DITHERTYPE       0x04000000L
 
 // fMode bits of DocumentProperties.
 #define DM_UPDATE      1
@@ -109,14 +114,16 @@ typedef struct _devicemodeW {
 #define DMCOLLATE_FALSE    0
 #define DMCOLLATE_TRUE     1
 
-typedef struct _PRINTER_INFO_1W {
+typedef struct _PRINTER_INFO_1W
+{
     DWORD Flags;
     LPWSTR pDescription;
     LPWSTR pName;
     LPWSTR pComment;
 } PRINTER_INFO_1W, *PPRINTER_INFO_1W, *LPPRINTER_INFO_1W;
 
-typedef struct _PRINTER_INFO_2W {
+typedef struct _PRINTER_INFO_2W
+{
     LPWSTR pServerName;
     LPWSTR pPrinterName;
     LPWSTR pShareName;
@@ -140,17 +147,20 @@ typedef struct _PRINTER_INFO_2W {
     DWORD AveragePPM;
 } PRINTER_INFO_2W, *PPRINTER_INFO_2W, *LPPRINTER_INFO_2W;
 
-typedef struct _PRINTER_DEFAULTSW {
+typedef struct _PRINTER_DEFAULTSW
+{
     LPWSTR pDatatype;
     LPDEVMODEW pDevMode;
     ACCESS_MASK DesiredAccess;
 } PRINTER_DEFAULTSW, *PPRINTER_DEFAULTSW, *LPPRINTER_DEFAULTSW;
 
-typedef struct _PORT_INFO_1W {
+typedef struct _PORT_INFO_1W
+{
     LPWSTR pName;
 } PORT_INFO_1W, *PPORT_INFO_1W, *LPPORT_INFO_1W;
 
-typedef struct _PORT_INFO_2W {
+typedef struct _PORT_INFO_2W
+{
     LPWSTR pPortName;
     LPWSTR pMonitorName;
     LPWSTR pDescription;
@@ -158,7 +168,8 @@ typedef struct _PORT_INFO_2W {
     DWORD Reserved;
 } PORT_INFO_2W, *PPORT_INFO_2W, *LPPORT_INFO_2W;
 
-typedef struct _DRIVER_INFO_1W {
+typedef struct _DRIVER_INFO_1W
+{
     LPWSTR pName;
 } DRIVER_INFO_1W, *PDRIVER_INFO_1W;
 
@@ -175,7 +186,8 @@ typedef struct _DRIVER_INFO_1W {
 
 #define PRINTER_ACCESS_ADMINISTER 0x00000004
 #define PRINTER_ACCESS_USE        0x00000008
-#define PRINTER_ALL_ACCESS        (STANDARD_RIGHTS_REQUIRED | PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE)
+#define PRINTER_ALL_ACCESS                                                                         \
+    (STANDARD_RIGHTS_REQUIRED | PRINTER_ACCESS_ADMINISTER | PRINTER_ACCESS_USE)
 
 #ifdef __cplusplus
 extern "C" {
@@ -189,10 +201,10 @@ DWORD WINAPI GetPrinterDataW(HANDLE hPrinter, LPWSTR pValueName, LPDWORD pType, 
                              DWORD nSize, LPDWORD pcbNeeded);
 DWORD WINAPI SetPrinterDataW(HANDLE hPrinter, LPWSTR pValueName, DWORD Type, LPBYTE pData,
                              DWORD cbData);
-DWORD WINAPI GetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValueName,
-                               LPDWORD pType, LPBYTE pData, DWORD nSize, LPDWORD pcbNeeded);
-DWORD WINAPI SetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValueName,
-                               DWORD Type, LPBYTE pData, DWORD cbData);
+DWORD WINAPI GetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValueName, LPDWORD pType,
+                               LPBYTE pData, DWORD nSize, LPDWORD pcbNeeded);
+DWORD WINAPI SetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValueName, DWORD Type,
+                               LPBYTE pData, DWORD cbData);
 BOOL WINAPI EnumPortsW(LPWSTR pName, DWORD Level, LPBYTE pPorts, DWORD cbBuf, LPDWORD pcbNeeded,
                        LPDWORD pcReturned);
 BOOL WINAPI GetPrinterDriverDirectoryW(LPWSTR pName, LPWSTR pEnvironment, DWORD Level,

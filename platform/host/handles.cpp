@@ -1,0 +1,60 @@
+// The typed handle table.
+#include "handles.h"
+
+#include <unordered_map>
+
+namespace host::detail {
+
+namespace {
+
+struct Table
+{
+    std::unordered_map<uintptr_t, std::shared_ptr<HandleObject>> objects;
+    // Counts up from well above the fixed desktop window (0x10010); the predefined HKEYs lie
+    // near 2^64 - 2^31, out of reach.
+    uintptr_t next = 0x100000;
+};
+
+Table& TheTable()
+{
+    static Table* table = new Table; // outlives static destructors that may close handles
+    return *table;
+}
+
+} // namespace
+
+void* AddHandle(std::shared_ptr<HandleObject> object)
+{
+    Lock lock(StateMutex());
+    Table& t = TheTable();
+    uintptr_t value = t.next;
+    t.next += 4;
+    t.objects.emplace(value, std::move(object));
+    return reinterpret_cast<void*>(value);
+}
+
+std::shared_ptr<HandleObject> FindHandle(const void* handle, HandleKind kind)
+{
+    Lock lock(StateMutex());
+    Table& t = TheTable();
+    auto it = t.objects.find(reinterpret_cast<uintptr_t>(handle));
+    if (it == t.objects.end() || it->second->kind != kind) {
+        return nullptr;
+    }
+    return it->second;
+}
+
+std::shared_ptr<HandleObject> RemoveHandle(const void* handle, HandleKind kind)
+{
+    Lock lock(StateMutex());
+    Table& t = TheTable();
+    auto it = t.objects.find(reinterpret_cast<uintptr_t>(handle));
+    if (it == t.objects.end() || it->second->kind != kind) {
+        return nullptr;
+    }
+    auto object = std::move(it->second);
+    t.objects.erase(it);
+    return object;
+}
+
+} // namespace host::detail

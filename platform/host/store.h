@@ -1,0 +1,192 @@
+// The store: one SQLite database with what Windows keeps in the spooler and the registry, and
+// an in-memory copy of it from which every read is served.
+//
+// Callers hold StateMutex() around every use. Read() gives the current copy, reloaded first
+// when another connection (another process) has committed since it was loaded. Write() runs a
+// change as one BEGIN IMMEDIATE transaction against a current copy; the change issues its SQL
+// and then applies itself to the copy, so the copy never needs a reload for our own writes.
+#pragma once
+
+#include "hostinternal.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+#include <vector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace host::detail {
+
+using Bytes = std::vector<uint8_t>;
+
+struct PrinterRow
+{
+    int64_t id = 0;
+    std::u16string name, driver, port, comment, location;
+    DWORD attributes = 0;
+    Bytes devMode; // empty: none stored
+};
+
+struct PrinterDataRow
+{
+    int64_t id = 0;
+    int64_t printer = 0;
+    std::u16string key, name; // as first written
+    DWORD type = REG_NONE;
+    Bytes data;
+};
+
+struct PortRow
+{
+    std::u16string name, monitor, description;
+};
+
+struct RegValueRow
+{
+    int64_t id = 0; // ascending in insertion order
+    std::u16string name;
+    DWORD type = REG_NONE;
+    Bytes data;
+};
+
+struct RegKeyRow
+{
+    int64_t id = 0;
+    int64_t parent = 0; // 0 for the root of a hive
+    std::u16string name;
+    std::map<std::u16string, int64_t> children; // folded name -> id
+    std::vector<RegValueRow> values;            // insertion order
+};
+
+// The whole store in memory. Maps keyed by folded names give the case-insensitive look-ups.
+struct Model
+{
+    std::map<int64_t, PrinterRow> printers;
+    std::map<std::u16string, int64_t> printerIds; // folded name -> id
+    // (printer, folded key, folded name) -> value
+    std::map<std::tuple<int64_t, std::u16string, std::u16string>, PrinterDataRow> printerData;
+    std::map<std::u16string, PortRow> ports; // folded name -> port; iteration is name order
+    std::map<int64_t, RegKeyRow> keys;
+    std::map<std::u16string, int64_t> hives; // folded hive name -> root key id
+    std::map<std::string, std::string> settings;
+
+    const PrinterRow* FindPrinter(const std::u16string& name) const;
+    const PrinterRow* PrinterById(int64_t id) const;
+    const RegKeyRow* Key(int64_t id) const;
+    // The child of parent named name (any case), or 0.
+    int64_t Child(int64_t parent, const std::u16string& name) const;
+};
+
+// A prepared statement of the store, reset when it goes out of scope. Errors throw StoreError.
+class Sql
+{
+public:
+    Sql(sqlite3* db, const char* text);
+    ~Sql();
+    Sql(const Sql&) = delete;
+    Sql& operator=(const Sql&) = delete;
+
+    Sql& Bind(int index, int64_t value);
+    Sql& Bind(int index, const std::u16string& text);
+    Sql& Bind(int index, const std::string& text);
+    Sql& Bind(int index, const Bytes& blob);
+    Sql& BindNull(int index);
+    bool Step(); // true while there is a row
+    void Run();  // steps to the end
+    int64_t Int(int column);
+    std::u16string Text(int column);
+    std::string Utf8(int column);
+    Bytes Blob(int column);
+    bool IsNull(int column);
+
+private:
+    sqlite3* db_;
+    sqlite3_stmt* stmt_ = nullptr;
+};
+
+class StoreError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class Store
+{
+public:
+    static Store& Instance();
+
+    bool Open(const std::string& path, std::string* error);
+    void Close();
+
+    // The current copy, opening the home store first if none is open. Null when no store
+    // can be had; the reason has been reported on standard error.
+    const Model* Read();
+
+    // Runs change in one write transaction. change returns ERROR_SUCCESS to commit, any other
+    // code to roll back; it must leave the copy untouched when it does not succeed. Returns
+    // change's code, or ERROR_CANTOPEN / ERROR_CANTWRITE when the store fails.
+    using Change = std::function<DWORD(sqlite3* db, Model& model)>;
+    DWORD Write(const Change& change);
+
+    // Changes whenever a store is opened or closed, so that handles into an earlier store die.
+    uint64_t Generation() const { return generation_; }
+
+private:
+    Store();
+    static void AfterForkInChild();
+    bool EnsureOpen();
+    void Load(bool inTransaction);
+    int64_t DataVersion();
+    void Report(const std::string& message);
+
+    sqlite3* db_ = nullptr;
+    sqlite3_stmt* dataVersion_ = nullptr;
+    Model model_;
+    int64_t version_ = -1;
+    bool stale_ = true;
+    bool inWrite_ = false;
+    uint64_t generation_ = 1;
+    std::string lastReport_;
+};
+
+// Executes SQL without results (several statements allowed).
+void Exec(sqlite3* db, const char* text);
+
+// The root key of a hive, or 0 when the hive has no key yet.
+int64_t FindHive(const Model& model, const std::u16string& hive);
+// The root key of a hive, created in the store and the copy when it is missing.
+int64_t CreateHive(sqlite3* db, Model& model, const std::u16string& hive);
+// Inserts a key below parent (which must not have a child of that name) into store and copy.
+int64_t CreateKey(sqlite3* db, Model& model, int64_t parent, const std::u16string& name);
+
+// A DEVMODE is usable when dmSize covers at least the header up to its own size fields and
+// dmSize + dmDriverExtra bytes lie within size; then *total is that sum. A stored record that
+// fails this is damage and counts as no record.
+constexpr size_t kMinDevModeSize = offsetof(DEVMODEW, dmFields);
+bool DevModeSizes(const uint8_t* bytes, size_t size, size_t* total);
+// The stored DEVMODE as reads see it: cut to dmSize + dmDriverExtra, or empty when damaged.
+Bytes CheckedDevMode(Bytes stored);
+// Sets a printer data value in store and copy (an overwrite keeps the value's row).
+void PutPrinterData(sqlite3* db, Model& model, int64_t printer, const std::u16string& key,
+                    const std::u16string& name, DWORD type, Bytes data);
+
+// The components of a key path, split at backslashes; empty components (a trailing
+// backslash) are dropped.
+std::vector<std::u16string> SplitKeyPath(const std::u16string& path);
+// The key reached from the key from by the components, or 0 when one is missing.
+int64_t WalkKeyPath(const Model& model, int64_t from, const std::vector<std::u16string>& parts);
+
+// The hive name of HKEY_CURRENT_USER for the current user, and of HKEY_LOCAL_MACHINE.
+std::u16string CurrentUserHive();
+inline const char16_t* MachineHive()
+{
+    return u"HKLM";
+}
+
+} // namespace host::detail
