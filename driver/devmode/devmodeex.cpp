@@ -6,12 +6,12 @@
 
 #include <cstring>
 
-#define DEVMODEEX_PUBLIC_ROW(name, offset, kind, width)                                           \
+#define DEVMODEEX_PUBLIC_ROW(name, offset, kind, width)                                            \
     {#name, offset, sizeof(DEVMODEW::name), width, kind},
-#define DEVMODEEX_PRIVATE_ROW(name, offset, kind, width)                                          \
+#define DEVMODEEX_PRIVATE_ROW(name, offset, kind, width)                                           \
     {#name, offset, sizeof(DEVMODEEX::name), width, kind},
-const DEVMODEEX_FIELD g_DevmodeFields[] = {
-    DEVMODEEX_PUBLIC_FIELDS(DEVMODEEX_PUBLIC_ROW) DEVMODEEX_PRIVATE_FIELDS(DEVMODEEX_PRIVATE_ROW)};
+const DEVMODEEX_FIELD g_DevmodeFields[] = {DEVMODEEX_PUBLIC_FIELDS(DEVMODEEX_PUBLIC_ROW)
+                                               DEVMODEEX_PRIVATE_FIELDS(DEVMODEEX_PRIVATE_ROW)};
 #undef DEVMODEEX_PUBLIC_ROW
 #undef DEVMODEEX_PRIVATE_ROW
 const size_t g_cDevmodeFields = sizeof(g_DevmodeFields) / sizeof(g_DevmodeFields[0]);
@@ -80,9 +80,9 @@ void FormatNumbers(WCHAR* pszOut, size_t cchOut, const BYTE* p, const DEVMODEEX_
     for (DWORD i = 0; i < count && cch + 1 < cchOut; i++) {
         LONG value = ReadElement(p + i * field.cbElement, field.cbElement,
                                  field.eKind == kDMF_SIGNED || field.eKind == kDMF_FIXED);
-        const WCHAR* format = field.eKind == kDMF_UNSIGNED
-                                  ? (i ? TEXT(" %u") : TEXT("%u"))
-                                  : (i ? TEXT(" %d") : TEXT("%d"));
+        const WCHAR* format = field.eKind == kDMF_HEX        ? (i ? TEXT(" 0x%X") : TEXT("0x%X"))
+                              : field.eKind == kDMF_UNSIGNED ? (i ? TEXT(" %u") : TEXT("%u"))
+                                                             : (i ? TEXT(" %d") : TEXT("%d"));
         if (field.eKind == kDMF_FIXED) {
             TVOFixed fixed;
             memcpy(&fixed, p + i * field.cbElement, sizeof(fixed));

@@ -9,10 +9,10 @@
 #define TVO_SPEC_VERSION   0x0401
 #define TVO_DRIVER_VERSION 0x0C07
 // "Dtvo" in memory, read as a little-endian word.
-#define DRIVER_SIGNATURE   0x6F767444
+#define DRIVER_SIGNATURE      0x6F767444
 #define DRIVER_SIGNATURE_TEXT "Dtvo"
-#define TVO_DEVMODE_VERSION 0x0C05
-#define TVO_GUARD_WORD     0xCCCCCCCC
+#define TVO_DEVMODE_VERSION   0x0C05
+#define TVO_GUARD_WORD        0xCCCCCCCC
 
 constexpr DWORD kDEVMODEEX_SIZE = 13484;
 constexpr DWORD kDEVMODEEX_DRIVER_EXTRA = 13264;
@@ -23,7 +23,8 @@ constexpr DWORD kDEVMODEEX1_DRIVER_EXTRA = 3032;
 // DM_TTOPTION | DM_COLLATE | DM_FORMNAME
 constexpr DWORD kTVO_DM_FIELDS = 0x1CF03;
 
-enum {
+enum
+{
     kFINISHER_NONE = 0,
     kFINISHER_GERA_ISO = 1,
     kFINISHER_GERA_ANSI = 2,
@@ -33,7 +34,8 @@ enum {
 
 constexpr int kMAX_ROLLS = 6;
 
-struct DEVMODEEX {
+struct DEVMODEEX
+{
     DEVMODEW dmPublic;
     DWORD padding_1[8];
     DWORD dmxDevmodeVersion;
@@ -153,24 +155,26 @@ typedef DEVMODEEX* PDEVMODEEX;
 typedef DEVMODEEX* LPDEVMODEEX;
 
 // How a field is shown by the record's dump and by tools.
-enum eDevmodeFieldKind {
-    kDMF_BYTES,   // raw bytes (guards, reserved blocks, the finisher block)
-    kDMF_SIGNED,  // signed integer of the field's width (per element for arrays)
+enum eDevmodeFieldKind
+{
+    kDMF_BYTES,  // raw bytes (guards, reserved blocks, the finisher block)
+    kDMF_SIGNED, // signed integer of the field's width (per element for arrays)
     kDMF_UNSIGNED,
-    kDMF_TEXT,    // NUL-terminated WCHAR text
-    kDMF_LIST,    // WCHAR names, each NUL-terminated, ended by an empty name
-    kDMF_FIXED,   // TVOFixed: thousandths
+    kDMF_HEX,   // unsigned, shown in hex: versions, masks, the signature, the guards
+    kDMF_TEXT,  // NUL-terminated WCHAR text
+    kDMF_LIST,  // WCHAR names, each NUL-terminated, ended by an empty name
+    kDMF_FIXED, // TVOFixed: thousandths
 };
 
 // The record, field by field, in offset order: name, offset, element kind and width.
 // X(name, offset, kind, element size)
 #define DEVMODEEX_PUBLIC_FIELDS(X)                                                                 \
     X(dmDeviceName, 0, kDMF_TEXT, 2)                                                               \
-    X(dmSpecVersion, 64, kDMF_UNSIGNED, 2)                                                         \
-    X(dmDriverVersion, 66, kDMF_UNSIGNED, 2)                                                       \
+    X(dmSpecVersion, 64, kDMF_HEX, 2)                                                              \
+    X(dmDriverVersion, 66, kDMF_HEX, 2)                                                            \
     X(dmSize, 68, kDMF_UNSIGNED, 2)                                                                \
     X(dmDriverExtra, 70, kDMF_UNSIGNED, 2)                                                         \
-    X(dmFields, 72, kDMF_UNSIGNED, 4)                                                              \
+    X(dmFields, 72, kDMF_HEX, 4)                                                                   \
     X(dmOrientation, 76, kDMF_SIGNED, 2)                                                           \
     X(dmPaperSize, 78, kDMF_SIGNED, 2)                                                             \
     X(dmPaperLength, 80, kDMF_SIGNED, 2)                                                           \
@@ -201,9 +205,9 @@ enum eDevmodeFieldKind {
     X(dmPanningHeight, 216, kDMF_UNSIGNED, 4)
 
 #define DEVMODEEX_PRIVATE_FIELDS(X)                                                                \
-    X(padding_1, 220, kDMF_UNSIGNED, 4)                                                            \
-    X(dmxDevmodeVersion, 252, kDMF_UNSIGNED, 4)                                                    \
-    X(dmxSignature, 256, kDMF_UNSIGNED, 4)                                                         \
+    X(padding_1, 220, kDMF_HEX, 4)                                                                 \
+    X(dmxDevmodeVersion, 252, kDMF_HEX, 4)                                                         \
+    X(dmxSignature, 256, kDMF_HEX, 4)                                                              \
     X(dmxUserName, 260, kDMF_TEXT, 2)                                                              \
     X(dmxReservedName, 388, kDMF_TEXT, 2)                                                          \
     X(dmxBannerPage, 516, kDMF_UNSIGNED, 4)                                                        \
@@ -226,7 +230,7 @@ enum eDevmodeFieldKind {
     X(dmxPaperLength, 4260, kDMF_FIXED, 4)                                                         \
     X(dmxPaperWidth, 4264, kDMF_FIXED, 4)                                                          \
     X(dmxUserMediaCategory, 4268, kDMF_UNSIGNED, 4)                                                \
-    X(dmxShowPaperTypes, 4272, kDMF_UNSIGNED, 4)                                                   \
+    X(dmxShowPaperTypes, 4272, kDMF_HEX, 4)                                                        \
     X(dmxRenderFlag1, 4276, kDMF_UNSIGNED, 4)                                                      \
     X(dmxFinishing, 4280, kDMF_UNSIGNED, 4)                                                        \
     X(dmxPriority, 4284, kDMF_UNSIGNED, 2)                                                         \
@@ -305,7 +309,7 @@ enum eDevmodeFieldKind {
     X(dmxReservedRevision, 13440, kDMF_UNSIGNED, 4)                                                \
     X(dmxReservedFlag, 13444, kDMF_UNSIGNED, 4)                                                    \
     X(dmxFinishOption, 13448, kDMF_UNSIGNED, 4)                                                    \
-    X(padding_2, 13452, kDMF_UNSIGNED, 4)
+    X(padding_2, 13452, kDMF_HEX, 4)
 
 #define DEVMODEEX_CHECK_PUBLIC(name, offset, kind, width)                                          \
     static_assert(offsetof(DEVMODEEX, dmPublic) + offsetof(DEVMODEW, name) == (offset),            \
@@ -326,11 +330,12 @@ static_assert(offsetof(DEVMODEEX, dmxNumRolls) > kDEVMODEEX1_SIZE &&
               "the older layout ends inside dmxFinisher");
 
 // One row of the field table: what a dump and the tools need to show a field by its name.
-struct DEVMODEEX_FIELD {
+struct DEVMODEEX_FIELD
+{
     const char* pszName;
     DWORD dwOffset;
-    DWORD cbSize;     // the whole field
-    DWORD cbElement;  // one element: the field is cbSize / cbElement of them
+    DWORD cbSize;    // the whole field
+    DWORD cbElement; // one element: the field is cbSize / cbElement of them
     eDevmodeFieldKind eKind;
 };
 // Every named field, public then private, in offset order. Padding words are left out.
@@ -339,11 +344,12 @@ extern const size_t g_cDevmodeFields;
 
 // What a record is, judged by its identity fields. Only bytes within the size that the record
 // declares (dmSize + dmDriverExtra) are read.
-enum eDevmodeKind {
-    kDM_FOREIGN,             // anything else
-    kDM_OWN_CURRENT,         // this driver's current layout
-    kDM_OWN_OLDER,           // DEVMODEEX1: 220 + 3032
-    kDM_OWN_FOREIGN_PUBLIC,  // own current private part behind a public part of another length
+enum eDevmodeKind
+{
+    kDM_FOREIGN,              // anything else
+    kDM_OWN_CURRENT,          // this driver's current layout
+    kDM_OWN_OLDER,            // DEVMODEEX1: 220 + 3032
+    kDM_OWN_FOREIGN_PUBLIC,   // own current private part behind a public part of another length
     kDM_OLDER_FOREIGN_PUBLIC, // own older private part behind a public part of another length
 };
 eDevmodeKind GetDevmodeKind(const DEVMODEW* pdm);

@@ -78,7 +78,8 @@ LONG TVONTUIDriver::DrvDocumentPropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARA
 
 namespace {
 
-struct DocumentEventRow {
+struct DocumentEventRow
+{
     int iEsc;
     const WCHAR* pszName;
 };

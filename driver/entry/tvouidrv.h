@@ -18,8 +18,8 @@ public:
 
     DWORD DrvDeviceCapabilities(HANDLE hPrinter, PWSTR pDeviceName, WORD iDevCap, void* pvOutput,
                                 PDEVMODEW pDevMode);
-    BOOL DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut,
-                           PLONG pcbNeeded, DWORD fMode);
+    BOOL DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut, PLONG pcbNeeded,
+                           DWORD fMode);
     BOOL DrvPrinterEvent(LPWSTR pPrinterName, INT DriverEvent, DWORD Flags, LPARAM lParam);
     BOOL DevQueryPrint(HANDLE hPrinter, LPDEVMODEW pDevMode, DWORD* pResID);
     BOOL DevQueryPrintEx(PDEVQUERYPRINT_INFO pDQPInfo);

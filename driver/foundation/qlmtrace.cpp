@@ -47,36 +47,115 @@ BOOL g_bDontBeOptimized = 0;
 BOOL g_bToggleEMFSpooling = 0;
 
 // Shared with the rendering half, so it names flags that this library never tests.
-#define ROW(name)          {&g_bTrace##name, TEXT(#name), 0}
-#define ROW2(name, flag)   {&flag, TEXT(#name), 0}
+#define ROW(name)                                                                                  \
+    {                                                                                              \
+        &g_bTrace##name, TEXT(#name), 0                                                            \
+    }
+#define ROW2(name, flag)                                                                           \
+    {                                                                                              \
+        &flag, TEXT(#name), 0                                                                      \
+    }
 const TVOTraceFlag g_TraceFlags[] = {
-    ROW(ALLTVOHPGL2), ROW(AllTVONTKMDriver), ROW(ALLTVORTL), ROW(BitBLT), ROW(BitBLTWithSource),
-    ROW(BitBLTNoSource), ROW(BitmapRealize), ROW(CopyBits), ROW(DDI), ROW(LINEATTRS), ROW(PDEV),
-    ROW(PE), ROW(PenStyle), ROW(RealizeBrush), ROW(StretchBLT), ROW(Surface), ROW(TVOFixed),
-    ROW(TVOHPGL2), ROW(TVONTKMDriver), ROW(TVOPJL), ROW(TVORTL), ROW(AllPathAPIs),
-    ROW(StrokePath), ROW(FillPath), ROW(StrokeAndFillPath), ROW(InitLineAttrs),
-    ROW(CreatePolyLine), ROW(CreatePolygon), ROW(TextOut), ROW(StartDoc), ROW(HPGL2Initialize),
-    ROW(Brush), ROW(SetRasterFill), ROW(BeginDoc), ROW(BeginPage), ROW(DrawMode), ROW(ClipRect),
-    ROW(AllCompression), ROW(AdaptiveCompression), ROW(RLECompression), ROW(TIFFCompression),
-    ROW(DeltaCompression), ROW(StartPage), ROW(TVODevice), ROW(Escape), ROW(IgnoreClipRect),
-    ROW2(DevmodeLife_RENDER, g_bTraceDevmodeLife), ROW2(SetPrinter_RENDER, g_bTraceSetPrinter),
-    ROW2(TVOAcct_RENDER, g_bTraceTVOAcct), ROW2(TVOConfig_RENDER, g_bTraceTVOConfig),
-    ROW2(TVODevMode_RENDER, g_bTraceTVODevMode), ROW2(TVODMRegistry_RENDER, g_bTraceTVODMRegistry),
-    ROW2(TVOLanguageMonitor_RENDER, g_bTraceTVOLanguageMonitor), ROW2(TVOMem_RENDER, g_bTraceTVOMem),
-    ROW2(TVOSpool_RENDER, g_bTraceTVOSpool), ROW2(DontBeOptimized_RENDER, g_bDontBeOptimized),
-    ROW2(QLMUtils_RENDER, g_bTraceQLMUtils), ROW2(ASSERT_RENDER, g_bTraceASSERT),
-    ROW2(DevmodeLife_UI, g_bTraceDevmodeLife), ROW2(SetPrinter_UI, g_bTraceSetPrinter),
-    ROW2(TVOAcct_UI, g_bTraceTVOAcct), ROW2(TVOConfig_UI, g_bTraceTVOConfig),
-    ROW2(TVODevMode_UI, g_bTraceTVODevMode), ROW2(TVODMRegistry_UI, g_bTraceTVODMRegistry),
-    ROW2(TVOLanguageMonitor_UI, g_bTraceTVOLanguageMonitor), ROW2(TVOMem_UI, g_bTraceTVOMem),
-    ROW2(TVOSpool_UI, g_bTraceTVOSpool), ROW2(DontBeOptimized_UI, g_bDontBeOptimized),
-    ROW2(QLMUtils_UI, g_bTraceQLMUtils), ROW2(ASSERT_UI, g_bTraceASSERT), ROW(UIDDI),
-    ROW(Propsheets), ROW(TVODialog), ROW(TVOTab), ROW(PaperTab), ROW(JobTab), ROW(RenderTab),
-    ROW(GraphicsTab), ROW(AboutTab), ROW(DeviceOptionsDlg), ROW(LabelDlg), ROW(RasterStampDlg),
-    ROW(FinishingDlg), ROW(MediaInfoDlg), ROW(UserDefinedMediaDlg), ROW(TVORollConfigDlg),
-    ROW(PrinterIPDialog), ROW(AllPrinterIPDialog), ROW(Gamma), ROW(TVONTUIDriver), ROW(DebugTab),
-    ROW(TVOSocket), ROW(ParsePJL), ROW(LowLevelParser), ROW(LFK), ROW(QLMRefresh), ROW(Finisher),
-    ROW(DynamicMedia), ROW(InkLimit), ROW(DeviceCapabilities),
+    ROW(ALLTVOHPGL2),
+    ROW(AllTVONTKMDriver),
+    ROW(ALLTVORTL),
+    ROW(BitBLT),
+    ROW(BitBLTWithSource),
+    ROW(BitBLTNoSource),
+    ROW(BitmapRealize),
+    ROW(CopyBits),
+    ROW(DDI),
+    ROW(LINEATTRS),
+    ROW(PDEV),
+    ROW(PE),
+    ROW(PenStyle),
+    ROW(RealizeBrush),
+    ROW(StretchBLT),
+    ROW(Surface),
+    ROW(TVOFixed),
+    ROW(TVOHPGL2),
+    ROW(TVONTKMDriver),
+    ROW(TVOPJL),
+    ROW(TVORTL),
+    ROW(AllPathAPIs),
+    ROW(StrokePath),
+    ROW(FillPath),
+    ROW(StrokeAndFillPath),
+    ROW(InitLineAttrs),
+    ROW(CreatePolyLine),
+    ROW(CreatePolygon),
+    ROW(TextOut),
+    ROW(StartDoc),
+    ROW(HPGL2Initialize),
+    ROW(Brush),
+    ROW(SetRasterFill),
+    ROW(BeginDoc),
+    ROW(BeginPage),
+    ROW(DrawMode),
+    ROW(ClipRect),
+    ROW(AllCompression),
+    ROW(AdaptiveCompression),
+    ROW(RLECompression),
+    ROW(TIFFCompression),
+    ROW(DeltaCompression),
+    ROW(StartPage),
+    ROW(TVODevice),
+    ROW(Escape),
+    ROW(IgnoreClipRect),
+    ROW2(DevmodeLife_RENDER, g_bTraceDevmodeLife),
+    ROW2(SetPrinter_RENDER, g_bTraceSetPrinter),
+    ROW2(TVOAcct_RENDER, g_bTraceTVOAcct),
+    ROW2(TVOConfig_RENDER, g_bTraceTVOConfig),
+    ROW2(TVODevMode_RENDER, g_bTraceTVODevMode),
+    ROW2(TVODMRegistry_RENDER, g_bTraceTVODMRegistry),
+    ROW2(TVOLanguageMonitor_RENDER, g_bTraceTVOLanguageMonitor),
+    ROW2(TVOMem_RENDER, g_bTraceTVOMem),
+    ROW2(TVOSpool_RENDER, g_bTraceTVOSpool),
+    ROW2(DontBeOptimized_RENDER, g_bDontBeOptimized),
+    ROW2(QLMUtils_RENDER, g_bTraceQLMUtils),
+    ROW2(ASSERT_RENDER, g_bTraceASSERT),
+    ROW2(DevmodeLife_UI, g_bTraceDevmodeLife),
+    ROW2(SetPrinter_UI, g_bTraceSetPrinter),
+    ROW2(TVOAcct_UI, g_bTraceTVOAcct),
+    ROW2(TVOConfig_UI, g_bTraceTVOConfig),
+    ROW2(TVODevMode_UI, g_bTraceTVODevMode),
+    ROW2(TVODMRegistry_UI, g_bTraceTVODMRegistry),
+    ROW2(TVOLanguageMonitor_UI, g_bTraceTVOLanguageMonitor),
+    ROW2(TVOMem_UI, g_bTraceTVOMem),
+    ROW2(TVOSpool_UI, g_bTraceTVOSpool),
+    ROW2(DontBeOptimized_UI, g_bDontBeOptimized),
+    ROW2(QLMUtils_UI, g_bTraceQLMUtils),
+    ROW2(ASSERT_UI, g_bTraceASSERT),
+    ROW(UIDDI),
+    ROW(Propsheets),
+    ROW(TVODialog),
+    ROW(TVOTab),
+    ROW(PaperTab),
+    ROW(JobTab),
+    ROW(RenderTab),
+    ROW(GraphicsTab),
+    ROW(AboutTab),
+    ROW(DeviceOptionsDlg),
+    ROW(LabelDlg),
+    ROW(RasterStampDlg),
+    ROW(FinishingDlg),
+    ROW(MediaInfoDlg),
+    ROW(UserDefinedMediaDlg),
+    ROW(TVORollConfigDlg),
+    ROW(PrinterIPDialog),
+    ROW(AllPrinterIPDialog),
+    ROW(Gamma),
+    ROW(TVONTUIDriver),
+    ROW(DebugTab),
+    ROW(TVOSocket),
+    ROW(ParsePJL),
+    ROW(LowLevelParser),
+    ROW(LFK),
+    ROW(QLMRefresh),
+    ROW(Finisher),
+    ROW(DynamicMedia),
+    ROW(InkLimit),
+    ROW(DeviceCapabilities),
     {nullptr, nullptr, 0},
 };
 static_assert(sizeof(g_TraceFlags) / sizeof(g_TraceFlags[0]) == kTRACE_FLAG_ROWS + 1,
@@ -183,8 +262,8 @@ void Trace(const WCHAR* format, ...)
 
     // Room for the newline behind a line that was cut at its limit.
     WCHAR line[kTRACE_MAX_LINE + 2];
-    size_t cch = WstrPrintf(line, kTRACE_MAX_LINE + 1, TEXT("%s:%s%s"), s_pszModuleName, indent,
-                            text);
+    size_t cch =
+        WstrPrintf(line, kTRACE_MAX_LINE + 1, TEXT("%s:%s%s"), s_pszModuleName, indent, text);
     if (!FormatHasNewline(format)) {
         line[cch] = TEXT('\n');
         line[cch + 1] = 0;
@@ -230,8 +309,8 @@ void TraceMemory(const void* p, DWORD cb, const WCHAR* pszTitle)
         Trace(TEXT("    pointer is NULL"));
         return;
     }
-    Trace(TEXT("%s at 0x%llX"), pszTitle, static_cast<unsigned long long>(
-                                              reinterpret_cast<ULONG_PTR>(p)));
+    Trace(TEXT("%s at 0x%llX"), pszTitle,
+          static_cast<unsigned long long>(reinterpret_cast<ULONG_PTR>(p)));
     const BYTE* bytes = static_cast<const BYTE*>(p);
     for (DWORD offset = 0; offset < cb; offset += 16) {
         WCHAR line[6 + 16 * 3 + 16 + 1];

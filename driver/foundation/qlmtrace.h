@@ -22,7 +22,8 @@ extern BOOL g_bTraceASSERT;
 extern BOOL g_bTraceQLMSocket;
 
 // A documentation row for a global switch. Nothing reads this table at run time.
-struct TVODebugSwitch {
+struct TVODebugSwitch
+{
     BOOL* pSwitch;
     const WCHAR* pszName;
     const WCHAR* pszDescription;
@@ -33,21 +34,28 @@ extern const TVODebugSwitch g_DebugSwitches[11];
 // One flag per name of the switch table. The _RENDER and _UI rows of a module share a flag;
 // QLMUtils_* is g_bTraceQLMUtils, ASSERT_* is g_bTraceASSERT.
 #define QLM_TRACE_FLAGS(X)                                                                         \
-    X(ALLTVOHPGL2) X(AllTVONTKMDriver) X(ALLTVORTL) X(BitBLT) X(BitBLTWithSource)                  \
-    X(BitBLTNoSource) X(BitmapRealize) X(CopyBits) X(DDI) X(LINEATTRS) X(PDEV) X(PE) X(PenStyle)   \
-    X(RealizeBrush) X(StretchBLT) X(Surface) X(TVOFixed) X(TVOHPGL2) X(TVONTKMDriver) X(TVOPJL)    \
-    X(TVORTL) X(AllPathAPIs) X(StrokePath) X(FillPath) X(StrokeAndFillPath) X(InitLineAttrs)       \
-    X(CreatePolyLine) X(CreatePolygon) X(TextOut) X(StartDoc) X(HPGL2Initialize) X(Brush)          \
-    X(SetRasterFill) X(BeginDoc) X(BeginPage) X(DrawMode) X(ClipRect) X(AllCompression)            \
-    X(AdaptiveCompression) X(RLECompression) X(TIFFCompression) X(DeltaCompression) X(StartPage)   \
-    X(TVODevice) X(Escape) X(IgnoreClipRect) X(DevmodeLife) X(SetPrinter) X(TVOAcct)               \
-    X(TVOConfig) X(TVODevMode) X(TVODMRegistry) X(TVOLanguageMonitor) X(TVOMem) X(TVOSpool)        \
-    X(UIDDI) X(Propsheets) X(TVODialog) X(TVOTab) X(PaperTab) X(JobTab) X(RenderTab)               \
-    X(GraphicsTab) X(AboutTab) X(DeviceOptionsDlg) X(LabelDlg) X(RasterStampDlg) X(FinishingDlg)   \
-    X(MediaInfoDlg) X(UserDefinedMediaDlg) X(TVORollConfigDlg) X(PrinterIPDialog)                  \
-    X(AllPrinterIPDialog) X(Gamma) X(TVONTUIDriver) X(DebugTab) X(TVOSocket) X(ParsePJL)           \
-    X(LowLevelParser) X(LFK) X(QLMRefresh) X(Finisher) X(DynamicMedia) X(InkLimit)                 \
-    X(DeviceCapabilities)
+    X(ALLTVOHPGL2)                                                                                 \
+    X(AllTVONTKMDriver) X(ALLTVORTL) X(BitBLT) X(BitBLTWithSource) X(BitBLTNoSource) X(            \
+        BitmapRealize) X(CopyBits) X(DDI) X(LINEATTRS) X(PDEV) X(PE) X(PenStyle) X(RealizeBrush)   \
+        X(StretchBLT) X(Surface) X(TVOFixed) X(TVOHPGL2) X(TVONTKMDriver) X(TVOPJL) X(TVORTL) X(   \
+            AllPathAPIs) X(StrokePath) X(FillPath) X(StrokeAndFillPath) X(InitLineAttrs)           \
+            X(CreatePolyLine) X(CreatePolygon) X(TextOut) X(StartDoc) X(HPGL2Initialize) X(Brush)  \
+                X(SetRasterFill) X(BeginDoc) X(BeginPage) X(DrawMode) X(ClipRect) X(               \
+                    AllCompression) X(AdaptiveCompression) X(RLECompression) X(TIFFCompression)    \
+                    X(DeltaCompression) X(StartPage) X(TVODevice) X(Escape) X(IgnoreClipRect)      \
+                        X(DevmodeLife) X(SetPrinter) X(TVOAcct) X(TVOConfig) X(TVODevMode)         \
+                            X(TVODMRegistry) X(TVOLanguageMonitor) X(TVOMem) X(TVOSpool) X(UIDDI)  \
+                                X(Propsheets) X(TVODialog) X(TVOTab) X(PaperTab) X(JobTab)         \
+                                    X(RenderTab) X(GraphicsTab) X(AboutTab) X(DeviceOptionsDlg)    \
+                                        X(LabelDlg) X(RasterStampDlg) X(FinishingDlg)              \
+                                            X(MediaInfoDlg) X(UserDefinedMediaDlg)                 \
+                                                X(TVORollConfigDlg) X(PrinterIPDialog)             \
+                                                    X(AllPrinterIPDialog) X(Gamma)                 \
+                                                        X(TVONTUIDriver) X(DebugTab) X(TVOSocket)  \
+                                                            X(ParsePJL) X(LowLevelParser) X(LFK)   \
+                                                                X(QLMRefresh) X(Finisher)          \
+                                                                    X(DynamicMedia) X(InkLimit)    \
+                                                                        X(DeviceCapabilities)
 
 #define QLM_DECLARE_TRACE_FLAG(name) extern BOOL g_bTrace##name;
 QLM_TRACE_FLAGS(QLM_DECLARE_TRACE_FLAG)
@@ -59,7 +67,8 @@ extern BOOL g_bDontBeOptimized;
 extern BOOL g_bToggleEMFSpooling;
 
 // A row of the switch table: the flag, its name in "DebugSettings", a reserved word.
-struct TVOTraceFlag {
+struct TVOTraceFlag
+{
     BOOL* pFlag;
     const WCHAR* pszName;
     DWORD dwReserved;

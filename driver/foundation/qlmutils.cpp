@@ -97,7 +97,8 @@ static LPWSTR GetPrinterInfoName(const WCHAR* pszFunction, HANDLE hPrinter, WCHA
 
 LPWSTR QLMGetPrinterName(HANDLE hPrinter)
 {
-    LPWSTR pszName = GetPrinterInfoName(TEXT("QLMGetPrinterName"), hPrinter, s_szPrinterName, false);
+    LPWSTR pszName =
+        GetPrinterInfoName(TEXT("QLMGetPrinterName"), hPrinter, s_szPrinterName, false);
     if (!pszName)
         return nullptr;
     // A connection \\host\queue becomes host-queue: a key name has no backslash to spare.
@@ -154,8 +155,8 @@ LONG QLMGetUserDWORD(HANDLE hPrinter, LPCWSTR pszTag, DWORD* pValue)
     // Read into a word of our own: a value of another size must not leave *pValue half written.
     DWORD dwValue = 0;
     DWORD cb = sizeof(dwValue);
-    lResult = RegQueryValueExW(hKey, pszTag, nullptr, nullptr, reinterpret_cast<LPBYTE>(&dwValue),
-                               &cb);
+    lResult =
+        RegQueryValueExW(hKey, pszTag, nullptr, nullptr, reinterpret_cast<LPBYTE>(&dwValue), &cb);
     if (lResult == ERROR_SUCCESS && cb != sizeof(dwValue))
         lResult = ERROR_INVALID_DATA;
     if (lResult == ERROR_SUCCESS)

@@ -11,7 +11,8 @@
 
 namespace {
 
-class PrivateStore : public ::testing::EmptyTestEventListener {
+class PrivateStore : public ::testing::EmptyTestEventListener
+{
     void OnTestStart(const ::testing::TestInfo&) override
     {
         std::string error;
@@ -30,9 +31,8 @@ class PrivateStore : public ::testing::EmptyTestEventListener {
 int main(int argc, char** argv)
 {
     // A home of its own for files the driver writes (the trace log).
-    std::string home = (std::filesystem::temp_directory_path() /
-                        ("qlmtest-" + std::to_string(getpid())))
-                           .string();
+    std::string home =
+        (std::filesystem::temp_directory_path() / ("qlmtest-" + std::to_string(getpid()))).string();
     std::filesystem::create_directories(home);
     host::SetHomeDirectory(home);
 

@@ -1,0 +1,39 @@
+// A queue in the test's private store, opened for the length of a test.
+#pragma once
+
+#include "platform/host/host.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+class HostPrinter
+{
+public:
+    explicit HostPrinter(const std::u16string& name,
+                         const std::u16string& driver = u"Tarvo Plan Output System 2440",
+                         const std::u16string& port = u"LPT1:")
+    {
+        host::PrinterRecord printer;
+        printer.name = name;
+        printer.driverName = driver;
+        printer.portName = port;
+        EXPECT_TRUE(host::AddPrinter(printer)) << host::Utf16ToUtf8(name);
+        m_name = name;
+        EXPECT_TRUE(OpenPrinterW(const_cast<LPWSTR>(m_name.c_str()), &m_hPrinter, nullptr));
+    }
+    ~HostPrinter()
+    {
+        if (m_hPrinter)
+            ClosePrinter(m_hPrinter);
+    }
+    HostPrinter(const HostPrinter&) = delete;
+    HostPrinter& operator=(const HostPrinter&) = delete;
+
+    HANDLE handle() const { return m_hPrinter; }
+    const std::u16string& name() const { return m_name; }
+
+private:
+    std::u16string m_name;
+    HANDLE m_hPrinter = nullptr;
+};
