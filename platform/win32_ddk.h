@@ -3,7 +3,7 @@
 #pragma once
 
 #ifndef DM_ADVANCED
-#define DM_ADVANCED     0x10
+#define DM_ADVANCED 0x10
 #endif
 #ifndef DM_NOPERMISSION
 #define DM_NOPERMISSION 0x20
@@ -22,7 +22,8 @@
 
 #define DPS_NOPERMISSION 0x0001
 
-typedef struct _DOCUMENTPROPERTYHEADER {
+typedef struct _DOCUMENTPROPERTYHEADER
+{
     WORD cbSize;
     WORD Reserved;
     HANDLE hPrinter;
@@ -33,14 +34,16 @@ typedef struct _DOCUMENTPROPERTYHEADER {
     DWORD fMode;
 } DOCUMENTPROPERTYHEADER, *PDOCUMENTPROPERTYHEADER;
 
-typedef struct _DEVICEPROPERTYHEADER {
+typedef struct _DEVICEPROPERTYHEADER
+{
     WORD cbSize;
     WORD Flags;
     HANDLE hPrinter;
     LPWSTR pszPrinterName;
 } DEVICEPROPERTYHEADER, *PDEVICEPROPERTYHEADER;
 
-typedef struct _DEVQUERYPRINT_INFO {
+typedef struct _DEVQUERYPRINT_INFO
+{
     WORD cbSize;
     WORD Level;
     HANDLE hPrinter;
@@ -65,8 +68,8 @@ extern "C" {
 #endif
 BOOL WINAPI DevQueryPrint(HANDLE hPrinter, LPDEVMODEW pDevMode, DWORD* pResID);
 BOOL WINAPI DevQueryPrintEx(PDEVQUERYPRINT_INFO pDQPInfo);
-DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, PWSTR pDeviceName, WORD iDevCap,
-                                   void* pvOutput, PDEVMODEW pDevMode);
+DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, PWSTR pDeviceName, WORD iDevCap, void* pvOutput,
+                                   PDEVMODEW pDevMode);
 LONG WINAPI DrvDocumentProperties(HWND hwnd, HANDLE hPrinter, PWSTR lpszDeviceName,
                                   PDEVMODEW pdmOutput, PDEVMODEW pdmInput, DWORD fMode);
 BOOL WINAPI DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut,

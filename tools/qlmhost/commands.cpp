@@ -1,0 +1,666 @@
+#include "commands.h"
+
+#include "driverlib.h"
+#include "records.h"
+
+#include "driver/devmode/devmodeex.h"
+#include "driver/devmode/tvodm.h"
+#include "platform/host/host.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+bool Args::Take(const std::string& name, std::string* value)
+{
+    for (size_t i = 0; i + 1 < m_words.size(); i++) {
+        if (m_words[i] == name) {
+            *value = m_words[i + 1];
+            m_words.erase(m_words.begin() + i, m_words.begin() + i + 2);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Args::Flag(const std::string& name)
+{
+    for (size_t i = 0; i < m_words.size(); i++) {
+        if (m_words[i] == name) {
+            m_words.erase(m_words.begin() + i);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Args::Unknown(std::string* message) const
+{
+    for (const std::string& w : m_words) {
+        if (w.size() > 2 && w.rfind("--", 0) == 0) {
+            *message = "unknown option " + w + " (or it lacks its value)";
+            return true;
+        }
+    }
+    return false;
+}
+
+int Fail(const std::string& message)
+{
+    fprintf(stderr, "qlmhost: %s\n", message.c_str());
+    return 1;
+}
+
+int UsageError(const Command& command, const std::string& message)
+{
+    fprintf(stderr, "qlmhost %s: %s\nusage: qlmhost %s %s\n", command.name, message.c_str(),
+            command.name, command.usage);
+    return 2;
+}
+
+namespace {
+
+const Command& Find(const char* name)
+{
+    for (size_t i = 0; i < g_cCommands; i++)
+        if (strcmp(g_Commands[i].name, name) == 0)
+            return g_Commands[i];
+    abort();
+}
+
+// Checks the positional count and that no unknown option is left; prints usage otherwise.
+bool Expect(Args& args, const char* command, size_t minWords, size_t maxWords, int* rc)
+{
+    std::string message;
+    if (args.Unknown(&message)) {
+        *rc = UsageError(Find(command), message);
+        return false;
+    }
+    size_t n = args.Rest().size();
+    if (n < minWords || n > maxWords) {
+        *rc = UsageError(Find(command), n < minWords ? "missing arguments" : "too many arguments");
+        return false;
+    }
+    return true;
+}
+
+std::u16string W(const std::string& s)
+{
+    return host::Utf8ToUtf16(s);
+}
+
+std::string U(const std::u16string& s)
+{
+    return host::Utf16ToUtf8(s);
+}
+
+std::string Win32Error(DWORD code)
+{
+    struct Row
+    {
+        DWORD code;
+        const char* text;
+    } kRows[] = {
+        {ERROR_FILE_NOT_FOUND, "not found"},
+        {ERROR_INVALID_HANDLE, "invalid handle"},
+        {ERROR_ACCESS_DENIED, "access denied (the key has subkeys)"},
+        {ERROR_INVALID_PRINTER_NAME, "no such printer"},
+        {ERROR_BAD_PATHNAME, "bad key path"},
+        {ERROR_MORE_DATA, "more data than room"},
+    };
+    for (const Row& row : kRows)
+        if (row.code == code)
+            return row.text + std::string(" (error ") + std::to_string(code) + ")";
+    return "error " + std::to_string(code);
+}
+
+// --dword N | --string S | --binary HEX, as a registry type and its bytes.
+bool TakeValue(Args& args, DWORD* type, std::vector<uint8_t>* data, std::string* error)
+{
+    std::string text;
+    int given = 0;
+    if (args.Take("--dword", &text)) {
+        given++;
+        char* end = nullptr;
+        unsigned long long v = strtoull(text.c_str(), &end, 0);
+        if (text.empty() || *end || v > 0xFFFFFFFFull || text[0] == '-') {
+            *error = "--dword takes a number from 0 to 4294967295, not '" + text + "'";
+            return false;
+        }
+        *type = REG_DWORD;
+        *data = {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)};
+    }
+    if (args.Take("--string", &text)) {
+        given++;
+        *type = REG_SZ;
+        data->clear();
+        for (char16_t c : W(text) + u'\0') {
+            data->push_back(uint8_t(c));
+            data->push_back(uint8_t(c >> 8));
+        }
+    }
+    if (args.Take("--binary", &text)) {
+        given++;
+        *type = REG_BINARY;
+        data->clear();
+        if (text.size() % 2) {
+            *error = "--binary takes an even number of hex digits";
+            return false;
+        }
+        for (size_t i = 0; i < text.size(); i += 2) {
+            char* end = nullptr;
+            std::string pair = text.substr(i, 2);
+            long b = strtol(pair.c_str(), &end, 16);
+            if (*end || !isxdigit(pair[0])) {
+                *error = "--binary takes hex digits, not '" + pair + "'";
+                return false;
+            }
+            data->push_back(uint8_t(b));
+        }
+    }
+    if (given != 1) {
+        *error = "give exactly one of --dword, --string, --binary";
+        return false;
+    }
+    return true;
+}
+
+const char* TypeName(DWORD type)
+{
+    switch (type) {
+    case REG_DWORD:
+        return "dword";
+    case REG_SZ:
+        return "string";
+    case REG_BINARY:
+        return "binary";
+    case REG_MULTI_SZ:
+        return "multi-string";
+    case REG_EXPAND_SZ:
+        return "expand-string";
+    default:
+        return "none";
+    }
+}
+
+// A value for people: numbers in decimal and hex, text as text, bytes in hex.
+void PrintValue(const std::string& name, DWORD type, const std::vector<uint8_t>& data, bool json)
+{
+    std::string shown;
+    if (type == REG_DWORD && data.size() == 4) {
+        DWORD v = data[0] | data[1] << 8 | data[2] << 16 | (DWORD)data[3] << 24;
+        shown = std::to_string(v);
+    } else if ((type == REG_SZ || type == REG_EXPAND_SZ) && data.size() % 2 == 0) {
+        std::u16string text;
+        for (size_t i = 0; i + 1 < data.size(); i += 2) {
+            char16_t c = char16_t(data[i] | data[i + 1] << 8);
+            if (!c)
+                break;
+            text += c;
+        }
+        shown = U(text);
+    } else {
+        char buf[4];
+        for (uint8_t b : data) {
+            snprintf(buf, sizeof(buf), "%02x", b);
+            shown += buf;
+        }
+    }
+    if (json) {
+        JsonWriter w;
+        w.BeginObject();
+        w.String("name", name);
+        w.String("type", TypeName(type));
+        w.Number("size", (long long)data.size());
+        if (type == REG_DWORD && data.size() == 4)
+            w.Number("value", std::stoll(shown));
+        else
+            w.String("value", shown);
+        w.EndObject();
+        printf("%s\n", w.Text().c_str());
+    } else {
+        printf("%s (%s, %zu bytes) = %s\n", name.c_str(), TypeName(type), data.size(),
+               shown.c_str());
+    }
+}
+
+// ---- printer ------------------------------------------------------------------------------
+
+int PrinterAdd(Args& args, const Options&)
+{
+    host::PrinterRecord printer;
+    std::string driver, port;
+    if (!args.Take("--driver", &driver))
+        return UsageError(Find("printer add"), "--driver is required");
+    args.Take("--port", &port);
+    int rc;
+    if (!Expect(args, "printer add", 1, 1, &rc))
+        return rc;
+    printer.name = W(args.Rest()[0]);
+    printer.driverName = W(driver);
+    printer.portName = W(port.empty() ? "LPT1:" : port);
+    if (printer.name.empty() || printer.name.find(u',') != std::u16string::npos)
+        return Fail("a printer name must not be empty or hold a comma");
+    if (!host::AddPrinter(printer))
+        return Fail("printer '" + args.Rest()[0] + "' exists already");
+    printf("printer '%s' added (driver '%s', port '%s')\n", args.Rest()[0].c_str(), driver.c_str(),
+           U(printer.portName).c_str());
+    return 0;
+}
+
+int PrinterRemove(Args& args, const Options&)
+{
+    int rc;
+    if (!Expect(args, "printer remove", 1, 1, &rc))
+        return rc;
+    if (!host::RemovePrinter(W(args.Rest()[0])))
+        return Fail("no printer named '" + args.Rest()[0] + "'");
+    printf("printer '%s' removed\n", args.Rest()[0].c_str());
+    return 0;
+}
+
+int PrinterList(Args& args, const Options& options)
+{
+    int rc;
+    if (!Expect(args, "printer list", 0, 0, &rc))
+        return rc;
+    std::vector<host::PrinterRecord> printers = host::ListPrinters();
+    if (options.json) {
+        JsonWriter w;
+        w.BeginArray();
+        for (const host::PrinterRecord& p : printers) {
+            w.BeginObject();
+            w.String("name", U(p.name));
+            w.String("driver", U(p.driverName));
+            w.String("port", U(p.portName));
+            w.Number("attributes", p.attributes);
+            w.Number("devmodeSize", (long long)p.devMode.size());
+            w.EndObject();
+        }
+        w.EndArray();
+        printf("%s\n", w.Text().c_str());
+        return 0;
+    }
+    if (printers.empty())
+        printf("no printers\n");
+    for (const host::PrinterRecord& p : printers)
+        printf("%-32s driver '%s', port '%s'%s\n", U(p.name).c_str(), U(p.driverName).c_str(),
+               U(p.portName).c_str(), p.devMode.empty() ? ", no stored record" : "");
+    return 0;
+}
+
+// ---- port ---------------------------------------------------------------------------------
+
+int PortAdd(Args& args, const Options&)
+{
+    host::PortRecord port;
+    std::string monitor, description;
+    if (!args.Take("--monitor", &monitor))
+        return UsageError(Find("port add"), "--monitor is required");
+    args.Take("--description", &description);
+    int rc;
+    if (!Expect(args, "port add", 1, 1, &rc))
+        return rc;
+    port.name = W(args.Rest()[0]);
+    port.monitorName = W(monitor);
+    port.description = W(description);
+    if (port.name.empty())
+        return Fail("a port name must not be empty");
+    if (!host::AddPort(port))
+        return Fail("cannot add port '" + args.Rest()[0] + "'");
+    printf("port '%s' added (monitor '%s')\n", args.Rest()[0].c_str(), monitor.c_str());
+    return 0;
+}
+
+int PortList(Args& args, const Options& options)
+{
+    int rc;
+    if (!Expect(args, "port list", 0, 0, &rc))
+        return rc;
+    std::vector<host::PortRecord> ports = host::ListPorts();
+    if (options.json) {
+        JsonWriter w;
+        w.BeginArray();
+        for (const host::PortRecord& p : ports) {
+            w.BeginObject();
+            w.String("name", U(p.name));
+            w.String("monitor", U(p.monitorName));
+            w.String("description", U(p.description));
+            w.EndObject();
+        }
+        w.EndArray();
+        printf("%s\n", w.Text().c_str());
+        return 0;
+    }
+    if (ports.empty())
+        printf("no ports\n");
+    for (const host::PortRecord& p : ports)
+        printf("%-24s monitor '%s'\n", U(p.name).c_str(), U(p.monitorName).c_str());
+    return 0;
+}
+
+// ---- printer data, through the spooler's own calls ------------------------------------------
+
+class OpenedPrinter
+{
+public:
+    explicit OpenedPrinter(const std::string& name) : m_name(W(name))
+    {
+        if (!OpenPrinterW(m_name.data(), &m_handle, nullptr))
+            m_handle = nullptr;
+    }
+    ~OpenedPrinter()
+    {
+        if (m_handle)
+            ClosePrinter(m_handle);
+    }
+    HANDLE get() const { return m_handle; }
+
+private:
+    std::u16string m_name;
+    HANDLE m_handle = nullptr;
+};
+
+int DataSet(Args& args, const Options&)
+{
+    std::string key = "PrinterDriverData", error;
+    args.Take("--key", &key);
+    DWORD type = REG_NONE;
+    std::vector<uint8_t> data;
+    if (!TakeValue(args, &type, &data, &error))
+        return UsageError(Find("data set"), error);
+    int rc;
+    if (!Expect(args, "data set", 2, 2, &rc))
+        return rc;
+    OpenedPrinter printer(args.Rest()[0]);
+    if (!printer.get())
+        return Fail("no printer named '" + args.Rest()[0] + "'");
+    DWORD result = SetPrinterDataExW(printer.get(), W(key).c_str(), W(args.Rest()[1]).c_str(), type,
+                                     data.data(), (DWORD)data.size());
+    if (result != ERROR_SUCCESS)
+        return Fail("SetPrinterDataEx: " + Win32Error(result));
+    printf("%s\\%s of '%s' set\n", key.c_str(), args.Rest()[1].c_str(), args.Rest()[0].c_str());
+    return 0;
+}
+
+int DataGet(Args& args, const Options& options)
+{
+    std::string key = "PrinterDriverData";
+    args.Take("--key", &key);
+    int rc;
+    if (!Expect(args, "data get", 2, 2, &rc))
+        return rc;
+    OpenedPrinter printer(args.Rest()[0]);
+    if (!printer.get())
+        return Fail("no printer named '" + args.Rest()[0] + "'");
+    std::u16string wkey = W(key), wname = W(args.Rest()[1]);
+    DWORD type = 0, needed = 0;
+    DWORD result =
+        GetPrinterDataExW(printer.get(), wkey.c_str(), wname.c_str(), &type, nullptr, 0, &needed);
+    std::vector<uint8_t> data(needed);
+    if (result == ERROR_MORE_DATA || result == ERROR_SUCCESS)
+        result = GetPrinterDataExW(printer.get(), wkey.c_str(), wname.c_str(), &type, data.data(),
+                                   needed, &needed);
+    if (result != ERROR_SUCCESS)
+        return Fail("GetPrinterDataEx " + key + "\\" + args.Rest()[1] + ": " + Win32Error(result));
+    data.resize(needed);
+    PrintValue(args.Rest()[1], type, data, options.json);
+    return 0;
+}
+
+// ---- registry, through the registry's own calls -------------------------------------------
+
+bool SplitKey(const std::string& path, HKEY* root, std::u16string* subKey)
+{
+    struct Hive
+    {
+        const char* prefix;
+        HKEY root;
+    } kHives[] = {{"HKCU\\", HKEY_CURRENT_USER},
+                  {"HKEY_CURRENT_USER\\", HKEY_CURRENT_USER},
+                  {"HKLM\\", HKEY_LOCAL_MACHINE},
+                  {"HKEY_LOCAL_MACHINE\\", HKEY_LOCAL_MACHINE}};
+    for (const Hive& hive : kHives) {
+        size_t n = strlen(hive.prefix);
+        if (path.size() > n && strncasecmp(path.c_str(), hive.prefix, n) == 0) {
+            *root = hive.root;
+            *subKey = W(path.substr(n));
+            return true;
+        }
+    }
+    return false;
+}
+
+int RegSet(Args& args, const Options&)
+{
+    DWORD type = REG_NONE;
+    std::vector<uint8_t> data;
+    std::string error;
+    if (!TakeValue(args, &type, &data, &error))
+        return UsageError(Find("reg set"), error);
+    int rc;
+    if (!Expect(args, "reg set", 2, 2, &rc))
+        return rc;
+    HKEY root;
+    std::u16string subKey;
+    if (!SplitKey(args.Rest()[0], &root, &subKey))
+        return Fail("a key starts with HKCU\\ or HKLM\\, not '" + args.Rest()[0] + "'");
+    HKEY hKey = nullptr;
+    LONG result = RegCreateKeyExW(root, subKey.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                  KEY_ALL_ACCESS, nullptr, &hKey, nullptr);
+    if (result != ERROR_SUCCESS)
+        return Fail("RegCreateKeyEx " + args.Rest()[0] + ": " + Win32Error(result));
+    result =
+        RegSetValueExW(hKey, W(args.Rest()[1]).c_str(), 0, type, data.data(), (DWORD)data.size());
+    RegCloseKey(hKey);
+    if (result != ERROR_SUCCESS)
+        return Fail("RegSetValueEx: " + Win32Error(result));
+    printf("%s\\%s set\n", args.Rest()[0].c_str(), args.Rest()[1].c_str());
+    return 0;
+}
+
+int RegGet(Args& args, const Options& options)
+{
+    int rc;
+    if (!Expect(args, "reg get", 2, 2, &rc))
+        return rc;
+    HKEY root;
+    std::u16string subKey;
+    if (!SplitKey(args.Rest()[0], &root, &subKey))
+        return Fail("a key starts with HKCU\\ or HKLM\\, not '" + args.Rest()[0] + "'");
+    HKEY hKey = nullptr;
+    LONG result = RegOpenKeyExW(root, subKey.c_str(), 0, KEY_READ, &hKey);
+    if (result != ERROR_SUCCESS)
+        return Fail("key " + args.Rest()[0] + ": " + Win32Error(result));
+    std::u16string name = W(args.Rest()[1]);
+    DWORD type = 0, cb = 0;
+    result = RegQueryValueExW(hKey, name.c_str(), nullptr, &type, nullptr, &cb);
+    std::vector<uint8_t> data(cb);
+    if (result == ERROR_SUCCESS)
+        result = RegQueryValueExW(hKey, name.c_str(), nullptr, &type, data.data(), &cb);
+    RegCloseKey(hKey);
+    if (result != ERROR_SUCCESS)
+        return Fail("value " + args.Rest()[1] + ": " + Win32Error(result));
+    data.resize(cb);
+    PrintValue(args.Rest()[1], type, data, options.json);
+    return 0;
+}
+
+int RegDelete(Args& args, const Options&)
+{
+    int rc;
+    if (!Expect(args, "reg delete", 1, 1, &rc))
+        return rc;
+    HKEY root;
+    std::u16string subKey;
+    if (!SplitKey(args.Rest()[0], &root, &subKey))
+        return Fail("a key starts with HKCU\\ or HKLM\\, not '" + args.Rest()[0] + "'");
+    LONG result = RegDeleteKeyW(root, subKey.c_str());
+    if (result != ERROR_SUCCESS)
+        return Fail("RegDeleteKey " + args.Rest()[0] + ": " + Win32Error(result));
+    printf("%s deleted\n", args.Rest()[0].c_str());
+    return 0;
+}
+
+// ---- the driver -----------------------------------------------------------------------------
+
+int DriverAnswers(Args& args, const Options& options)
+{
+    int rc;
+    if (!Expect(args, "driver", 0, 1, &rc))
+        return rc;
+    DriverLibrary driver;
+    std::string error;
+    if (!driver.Load(options.driverLibrary, &error))
+        return Fail(error);
+    OpenedPrinter printer(args.Rest().empty() ? std::string() : args.Rest()[0]);
+    if (!args.Rest().empty() && !printer.get())
+        return Fail("no printer named '" + args.Rest()[0] + "'");
+
+    auto* devQueryPrint = driver.Entry<BOOL(HANDLE, LPDEVMODEW, DWORD*)>("DevQueryPrint");
+    auto* devQueryPrintEx = driver.Entry<BOOL(PDEVQUERYPRINT_INFO)>("DevQueryPrintEx");
+    auto* printerProperties = driver.Entry<BOOL(HWND, HANDLE)>("PrinterProperties");
+    auto* documentEvent =
+        driver.Entry<int(HANDLE, HDC, int, ULONG, PVOID, ULONG, PVOID)>("DrvDocumentEvent");
+    if (!devQueryPrint || !devQueryPrintEx || !printerProperties || !documentEvent)
+        return Fail(options.driverLibrary + " lacks an entry of the export table");
+
+    DWORD resId = 0xFFFFFFFF;
+    BOOL query = devQueryPrint(printer.get(), nullptr, &resId);
+    DEVQUERYPRINT_INFO info = {sizeof(info), 1, printer.get(), nullptr, nullptr, 0, 0};
+    BOOL queryEx = devQueryPrintEx(&info);
+    BOOL properties = printerProperties(nullptr, printer.get());
+    static const char* kEvents[] = {"CREATEDCPRE",  "CREATEDCPOST", "RESETDCPRE", "RESETDCPOST",
+                                    "STARTDOC",     "STARTPAGE",    "ENDPAGE",    "ENDDOC",
+                                    "ABORTDOC",     "DELETEDC",     "ESCAPE",     "ENDDOCPOST",
+                                    "STARTDOCPOST", "QUERYFILTER",  "LAST"};
+    int events[15];
+    for (int e = 0; e < 15; e++)
+        events[e] = documentEvent(printer.get(), nullptr, e + 1, 0, nullptr, 0, nullptr);
+
+    if (options.json) {
+        JsonWriter w;
+        w.BeginObject();
+        w.String("library", options.driverLibrary);
+        w.BeginObject("DevQueryPrint");
+        w.Number("result", query);
+        w.Number("resID", resId);
+        w.EndObject();
+        w.Number("DevQueryPrintEx", queryEx);
+        w.Number("PrinterProperties", properties);
+        w.BeginObject("DrvDocumentEvent");
+        for (int e = 0; e < 15; e++)
+            w.Number((std::string("DOCUMENTEVENT_") + kEvents[e]).c_str(), events[e]);
+        w.EndObject();
+        w.EndObject();
+        printf("%s\n", w.Text().c_str());
+        return 0;
+    }
+    printf("driver library      %s\n", options.driverLibrary.c_str());
+    printf("DevQueryPrint       %d (resource id %u): every job is accepted\n", query, resId);
+    printf("DevQueryPrintEx     %d\n", queryEx);
+    printf("PrinterProperties   %d, nothing shown\n", properties);
+    for (int e = 0; e < 15; e++)
+        printf("DrvDocumentEvent    %-28s %d\n",
+               (std::string("DOCUMENTEVENT_") + kEvents[e]).c_str(), events[e]);
+    return 0;
+}
+
+int DevmodeLayout(Args& args, const Options& options)
+{
+    int rc;
+    if (!Expect(args, "devmode layout", 0, 0, &rc))
+        return rc;
+    static const char* kKinds[] = {"bytes", "signed", "unsigned", "hex", "text", "list", "fixed"};
+    if (options.json) {
+        JsonWriter w;
+        w.BeginObject();
+        w.Number("size", sizeof(DEVMODEEX));
+        w.BeginArray("fields");
+        for (size_t i = 0; i < g_cDevmodeFields; i++) {
+            const DEVMODEEX_FIELD& f = g_DevmodeFields[i];
+            w.BeginObject();
+            w.String("name", f.pszName);
+            w.Number("offset", f.dwOffset);
+            w.Number("size", f.cbSize);
+            w.Number("count", f.cbSize / f.cbElement);
+            w.String("kind", kKinds[f.eKind]);
+            w.EndObject();
+        }
+        w.EndArray();
+        w.EndObject();
+        printf("%s\n", w.Text().c_str());
+        return 0;
+    }
+    printf("DEVMODEEX: %zu bytes, %zu named fields\n", sizeof(DEVMODEEX), g_cDevmodeFields);
+    printf("offset  size  count  kind      name\n");
+    for (size_t i = 0; i < g_cDevmodeFields; i++) {
+        const DEVMODEEX_FIELD& f = g_DevmodeFields[i];
+        printf("%6u %5u %6u  %-9s %s\n", f.dwOffset, f.cbSize, f.cbSize / f.cbElement,
+               kKinds[f.eKind], f.pszName);
+    }
+    return 0;
+}
+
+int DevmodeShow(Args& args, const Options& options)
+{
+    int rc;
+    if (!Expect(args, "devmode show", 1, 1, &rc))
+        return rc;
+    host::PrinterRecord printer;
+    if (!host::GetPrinterRecord(W(args.Rest()[0]), &printer))
+        return Fail("no printer named '" + args.Rest()[0] + "'");
+    if (printer.devMode.empty())
+        return Fail("printer '" + args.Rest()[0] + "' has no stored record");
+    // A stored record of another size is shown within our layout, the rest zero.
+    DEVMODEEX dm;
+    memset(&dm, 0, sizeof(dm));
+    memcpy(&dm, printer.devMode.data(), std::min(printer.devMode.size(), sizeof(dm)));
+    printf("%s", options.json ? (DevmodeAsJson(dm) + "\n").c_str() : DevmodeAsText(dm).c_str());
+    return 0;
+}
+
+int DevmodeNew(Args& args, const Options& options)
+{
+    int rc;
+    if (!Expect(args, "devmode new", 1, 1, &rc))
+        return rc;
+    OpenedPrinter printer(args.Rest()[0]);
+    if (!printer.get())
+        return Fail("no printer named '" + args.Rest()[0] + "'");
+    TVODevMode devmode(printer.get());
+    if (!devmode.m_lpDM)
+        return Fail("out of memory");
+    const DEVMODEEX& dm = *devmode.m_lpDM;
+    printf("%s", options.json ? (DevmodeAsJson(dm) + "\n").c_str() : DevmodeAsText(dm).c_str());
+    return 0;
+}
+
+} // namespace
+
+const Command g_Commands[] = {
+    {"printer add", "NAME --driver DRIVER [--port PORT]", "Adds a queue of the driver.",
+     PrinterAdd},
+    {"printer remove", "NAME", "Removes a queue and its printer data.", PrinterRemove},
+    {"printer list", "[--json]", "Lists the queues.", PrinterList},
+    {"port add", "NAME --monitor MONITOR [--description TEXT]",
+     "Adds a port of a monitor, such as \"TCPMON.DLL\" or \"Local Port\".", PortAdd},
+    {"port list", "[--json]", "Lists the ports and their monitors.", PortList},
+    {"data set", "PRINTER VALUE (--dword N | --string S | --binary HEX) [--key KEY]",
+     "Sets a printer data value (key PrinterDriverData unless given).", DataSet},
+    {"data get", "PRINTER VALUE [--key KEY] [--json]", "Shows a printer data value.", DataGet},
+    {"reg set", "KEY VALUE (--dword N | --string S | --binary HEX)",
+     "Sets a registry value; KEY starts with HKCU\\ or HKLM\\.", RegSet},
+    {"reg get", "KEY VALUE [--json]", "Shows a registry value.", RegGet},
+    {"reg delete", "KEY", "Deletes a registry key that has no subkeys.", RegDelete},
+    {"driver", "[PRINTER] [--json]", "Loads the driver library and shows its immediate answers.",
+     DriverAnswers},
+    {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
+     DevmodeLayout},
+    {"devmode new", "PRINTER [--json]",
+     "Shows the record a fresh settings object holds for the queue: the defaults, the port test.",
+     DevmodeNew},
+    {"devmode show", "PRINTER [--json]", "Shows the queue's stored record field by field.",
+     DevmodeShow},
+};
+const size_t g_cCommands = sizeof(g_Commands) / sizeof(g_Commands[0]);

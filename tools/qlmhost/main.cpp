@@ -1,0 +1,117 @@
+// qlmhost: the driver's host on Linux. It plays the spooler, the common UI and an application:
+// it manages printers, ports, printer data and the registry, and calls the driver's exports as
+// they would, printing what comes back field by field.
+#include "commands.h"
+
+#include "platform/host/host.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+void PrintHelp()
+{
+    printf("usage: qlmhost [--home DIR] [--user NAME] [--metric|--us] [--os-major N]\n"
+           "               [--driver-lib PATH] COMMAND ... [--json]\n\n"
+           "State lives in DIR (default $QLMHOST_HOME, else ~/.qlmhost).\n\ncommands:\n");
+    for (size_t i = 0; i < g_cCommands; i++)
+        printf("  %-14s %s\n  %-14s   %s\n", g_Commands[i].name, g_Commands[i].usage, "",
+               g_Commands[i].summary);
+}
+
+bool IsHelp(const std::string& word)
+{
+    return word == "--help" || word == "-h" || word == "help";
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::vector<std::string> words(argv + 1, argv + argc);
+    Options options;
+    const char* envDriver = getenv("QLMHOST_DRIVER");
+    options.driverLibrary = envDriver && *envDriver ? envDriver : QLM_DEFAULT_DRIVER;
+
+    // Global options come before the command.
+    size_t i = 0;
+    std::string home, user, osMajor;
+    int metric = -1;
+    for (; i < words.size() && words[i].rfind("--", 0) == 0 && !IsHelp(words[i]); i++) {
+        const std::string& w = words[i];
+        bool hasValue = i + 1 < words.size();
+        if (w == "--home" && hasValue)
+            home = words[++i];
+        else if (w == "--user" && hasValue)
+            user = words[++i];
+        else if (w == "--os-major" && hasValue)
+            osMajor = words[++i];
+        else if (w == "--driver-lib" && hasValue)
+            options.driverLibrary = words[++i];
+        else if (w == "--metric")
+            metric = 1;
+        else if (w == "--us")
+            metric = 0;
+        else
+            return Fail("unknown global option " + w + " (see qlmhost --help)");
+    }
+    if (i == words.size() || IsHelp(words[i])) {
+        PrintHelp();
+        return i == words.size() ? 2 : 0;
+    }
+
+    if (!home.empty())
+        host::SetHomeDirectory(home);
+    std::string error;
+    if (!host::OpenStore(host::HomeDirectory() + "/store.db", &error))
+        return Fail(error);
+    if (!user.empty())
+        host::SetUserName(host::Utf8ToUtf16(user));
+    if (metric >= 0)
+        host::SetMetric(metric == 1);
+    if (!osMajor.empty()) {
+        char* end = nullptr;
+        long major = strtol(osMajor.c_str(), &end, 10);
+        if (*end || major < 0)
+            return Fail("--os-major takes a number, not '" + osMajor + "'");
+        DWORD oldMajor, minor, build;
+        host::GetSystemVersion(&oldMajor, &minor, &build);
+        host::SetSystemVersion(static_cast<DWORD>(major), minor, build);
+    }
+
+    // The longest command name that the words begin with: "printer add" before "printer".
+    const Command* command = nullptr;
+    size_t used = 0;
+    for (size_t c = 0; c < g_cCommands; c++) {
+        std::vector<std::string> parts;
+        for (const char *p = g_Commands[c].name, *q; *p; p = *q ? q + 1 : q) {
+            q = strchr(p, ' ');
+            if (!q)
+                q = p + strlen(p);
+            parts.emplace_back(p, q);
+        }
+        bool match = i + parts.size() <= words.size();
+        for (size_t k = 0; match && k < parts.size(); k++)
+            match = words[i + k] == parts[k];
+        if (match && parts.size() > used) {
+            command = &g_Commands[c];
+            used = parts.size();
+        }
+    }
+    if (!command)
+        return Fail("unknown command '" + words[i] + "' (see qlmhost --help)");
+
+    Args args(std::vector<std::string>(words.begin() + i + used, words.end()));
+    if (args.Flag("--help") || args.Flag("-h")) {
+        printf("usage: qlmhost %s %s\n  %s\n", command->name, command->usage, command->summary);
+        return 0;
+    }
+    options.json = args.Flag("--json");
+    int rc = command->run(args, options);
+    host::CloseStore();
+    return rc;
+}
