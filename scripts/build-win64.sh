@@ -8,7 +8,7 @@ cmake --preset win64 >/dev/null
 cmake --build --preset win64 -j "$(nproc)"
 bash scripts/check-exports.sh build/win64/driver/QLMUIDrv.dll driver/entry/QLMUIDrv.def
 for f in build/win64/driver/QLMUIDrv.dll build/win64/resources/QLMRes.DLL; do
-  x86_64-w64-mingw32-objdump -p "$f" | grep -q 'Resource Directory' ||
-    { echo "$f has no resources" >&2; exit 1; }
+  headers=$(x86_64-w64-mingw32-objdump -p "$f")
+  grep -q 'Resource Directory \[.rsrc\]' <<<"$headers" || { echo "$f has no resources" >&2; exit 1; }
 done
 echo "win64 build: $(ls build/win64/driver/QLMUIDrv.dll build/win64/resources/QLMRes.DLL | xargs)"

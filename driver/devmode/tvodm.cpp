@@ -320,21 +320,13 @@ BOOL QLMPortIsBiDi(HANDLE hPrinter)
         Trace(TEXT("Port is not bidi because hPrinter==NULL"));
         return 0;
     }
-    DWORD cbNeeded = 0;
-    GetPrinterW(hPrinter, 2, nullptr, 0, &cbNeeded);
-    if (cbNeeded == 0)
+    PRINTER_INFO_2W* pInfo = reinterpret_cast<PRINTER_INFO_2W*>(
+        QLMGetPrinterInfo(hPrinter, 2, TEXT("failed allocating PRINTER_INFO_2 in QLMPortIsBiDi")));
+    if (!pInfo)
         return 0;
-    PRINTER_INFO_2W* pInfo = static_cast<PRINTER_INFO_2W*>(GlobalAlloc(GPTR, cbNeeded));
-    if (!pInfo) {
-        Trace(TEXT("failed allocating PRINTER_INFO_2 in QLMPortIsBiDi"));
-        return 0;
-    }
-    BOOL bBiDi = 0;
-    if (GetPrinterW(hPrinter, 2, reinterpret_cast<LPBYTE>(pInfo), cbNeeded, &cbNeeded) &&
-        pInfo->pPortName) {
-        // The monitor alone decides; whether the printer answers shows when it is asked.
-        bBiDi = QLMPortIsStdTCPIP(pInfo->pPortName) || QLMPortIsTVONetPort(pInfo->pPortName);
-    }
+    // The monitor alone decides; whether the printer answers shows when it is asked.
+    BOOL bBiDi = pInfo->pPortName &&
+                 (QLMPortIsStdTCPIP(pInfo->pPortName) || QLMPortIsTVONetPort(pInfo->pPortName));
     GlobalFree(pInfo);
     return bBiDi;
 }

@@ -53,15 +53,18 @@ LONG SetUserValue(HANDLE hPrinter, LPCWSTR pszTag, DWORD dwType, const BYTE* pDa
 
 } // namespace
 
-LPBYTE QLMGetPrinterInfo(HANDLE hPrinter, DWORD level)
+LPBYTE QLMGetPrinterInfo(HANDLE hPrinter, DWORD level, const WCHAR* pszAllocationFailure)
 {
     DWORD cbNeeded = 0;
     if (GetPrinterW(hPrinter, level, nullptr, 0, &cbNeeded) ||
         GetLastError() != ERROR_INSUFFICIENT_BUFFER || cbNeeded == 0)
         return nullptr;
     LPBYTE pInfo = static_cast<LPBYTE>(GlobalAlloc(GPTR, cbNeeded));
-    if (!pInfo)
+    if (!pInfo) {
+        if (pszAllocationFailure)
+            Trace(TEXT("%s"), pszAllocationFailure);
         return nullptr;
+    }
     BOOL bResult = GetPrinterW(hPrinter, level, pInfo, cbNeeded, &cbNeeded);
     ASSERT(bResult);
     if (!bResult) {

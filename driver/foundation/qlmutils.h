@@ -17,8 +17,9 @@ constexpr size_t kQLM_USER_KEY_CCH = 32 + MAX_PATH;
 constexpr size_t kQLM_NAME_CCH = MAX_PATH; // 520 bytes
 
 // PRINTER_INFO_<level> of the printer, fetched in the platform's two calls into a global
-// memory block that the caller frees with GlobalFree; null when it cannot be had.
-LPBYTE QLMGetPrinterInfo(HANDLE hPrinter, DWORD level);
+// memory block that the caller frees with GlobalFree; null when it cannot be had. A failing
+// second call asserts; pszAllocationFailure, when given, is traced if the block cannot be had.
+LPBYTE QLMGetPrinterInfo(HANDLE hPrinter, DWORD level, const WCHAR* pszAllocationFailure = nullptr);
 
 // The queue's name fit for a registry key: \\host\queue becomes host-queue. Null on failure.
 LPWSTR QLMGetPrinterName(HANDLE hPrinter);

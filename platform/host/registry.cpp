@@ -103,6 +103,15 @@ LSTATUS ParseSubKey(LPCWSTR subKey, std::vector<std::u16string>* parts)
     return ERROR_SUCCESS;
 }
 
+// The key that hKey names and the components of lpSubKey below it.
+LSTATUS ResolvePath(HKEY hKey, LPCWSTR lpSubKey, KeyRef* ref, std::vector<std::u16string>* parts)
+{
+    if (LSTATUS rc = Resolve(hKey, ref)) {
+        return rc;
+    }
+    return ParseSubKey(lpSubKey, parts);
+}
+
 HKEY NewKeyHandle(int64_t key)
 {
     return static_cast<HKEY>(
@@ -166,10 +175,7 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY hKey, LPCWSTR lpSubKey, DWORD Reserved, LPWS
     Lock lock(StateMutex());
     KeyRef ref;
     std::vector<std::u16string> parts;
-    if (LSTATUS rc = Resolve(hKey, &ref)) {
-        return rc;
-    }
-    if (LSTATUS rc = ParseSubKey(lpSubKey, &parts)) {
+    if (LSTATUS rc = ResolvePath(hKey, lpSubKey, &ref, &parts)) {
         return rc;
     }
     int64_t id = 0;
@@ -223,10 +229,7 @@ LSTATUS WINAPI RegOpenKeyExW(HKEY hKey, LPCWSTR lpSubKey, DWORD ulOptions, REGSA
     Lock lock(StateMutex());
     KeyRef ref;
     std::vector<std::u16string> parts;
-    if (LSTATUS rc = Resolve(hKey, &ref)) {
-        return rc;
-    }
-    if (LSTATUS rc = ParseSubKey(lpSubKey, &parts)) {
+    if (LSTATUS rc = ResolvePath(hKey, lpSubKey, &ref, &parts)) {
         return rc;
     }
     if (parts.empty() && !ref.hive.empty()) {
@@ -400,10 +403,7 @@ LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR lpSubKey)
     Lock lock(StateMutex());
     KeyRef ref;
     std::vector<std::u16string> parts;
-    if (LSTATUS rc = Resolve(hKey, &ref)) {
-        return rc;
-    }
-    if (LSTATUS rc = ParseSubKey(lpSubKey, &parts)) {
+    if (LSTATUS rc = ResolvePath(hKey, lpSubKey, &ref, &parts)) {
         return rc;
     }
     if (parts.empty() && !ref.hive.empty()) {

@@ -129,7 +129,7 @@ TEST(DevmodeEx, IdentityTests)
              d->dmPublic.dmDriverExtra = 3032;
          },
          kDM_OLDER_FOREIGN_PUBLIC},
-        {"other spec version", [](DEVMODEEX* d) { d->dmPublic.dmSpecVersion = 0x0400; },
+        {"other public layout version", [](DEVMODEEX* d) { d->dmPublic.dmSpecVersion = 0x0400; },
          kDM_FOREIGN},
         {"other driver version", [](DEVMODEEX* d) { d->dmPublic.dmDriverVersion = 0x0C06; },
          kDM_FOREIGN},
