@@ -153,29 +153,40 @@ HANDLE WINAPI CreateFileW(LPCWSTR lpFileName, DWORD dwDesiredAccess, DWORD dwSha
     return handle;
 }
 
+namespace {
+
+// The checks ReadFile and WriteFile share: a file handle opened for the direction, no
+// overlapped I/O, a buffer for a non-zero count. Clears the count done first; on failure sets
+// the last error and gives null.
+std::shared_ptr<FileObject> OpenForTransfer(HANDLE hFile, bool write, LPCVOID lpBuffer, DWORD count,
+                                            LPDWORD lpDone, void* lpOverlapped)
+{
+    if (lpDone) {
+        *lpDone = 0;
+    }
+    auto file = Find<FileObject>(hFile);
+    DWORD error = !file                                       ? ERROR_INVALID_HANDLE
+                  : lpOverlapped                              ? ERROR_INVALID_PARAMETER
+                  : !(write ? file->canWrite : file->canRead) ? ERROR_ACCESS_DENIED
+                  : !lpBuffer && count                        ? ERROR_NOACCESS
+                                                              : ERROR_SUCCESS;
+    if (error != ERROR_SUCCESS) {
+        SetLastError(error);
+        return nullptr;
+    }
+    return file;
+}
+
+} // namespace
+
 // TRUE with all bytes written. A handle without write access gives ERROR_ACCESS_DENIED; a
 // null buffer with a non-zero count ERROR_NOACCESS. Overlapped writes are not supported.
 BOOL WINAPI WriteFile(HANDLE hFile, LPCVOID lpBuffer, DWORD nNumberOfBytesToWrite,
                       LPDWORD lpNumberOfBytesWritten, void* lpOverlapped)
 {
-    if (lpNumberOfBytesWritten) {
-        *lpNumberOfBytesWritten = 0;
-    }
-    auto file = Find<FileObject>(hFile);
+    auto file = OpenForTransfer(hFile, true, lpBuffer, nNumberOfBytesToWrite,
+                                lpNumberOfBytesWritten, lpOverlapped);
     if (!file) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    if (lpOverlapped) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    if (!file->canWrite) {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
-    }
-    if (!lpBuffer && nNumberOfBytesToWrite) {
-        SetLastError(ERROR_NOACCESS);
         return FALSE;
     }
     const auto* bytes = static_cast<const uint8_t*>(lpBuffer);
@@ -205,24 +216,9 @@ BOOL WINAPI WriteFile(HANDLE hFile, LPCVOID lpBuffer, DWORD nNumberOfBytesToWrit
 BOOL WINAPI ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead,
                      LPDWORD lpNumberOfBytesRead, void* lpOverlapped)
 {
-    if (lpNumberOfBytesRead) {
-        *lpNumberOfBytesRead = 0;
-    }
-    auto file = Find<FileObject>(hFile);
+    auto file = OpenForTransfer(hFile, false, lpBuffer, nNumberOfBytesToRead, lpNumberOfBytesRead,
+                                lpOverlapped);
     if (!file) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    if (lpOverlapped) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    if (!file->canRead) {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
-    }
-    if (!lpBuffer && nNumberOfBytesToRead) {
-        SetLastError(ERROR_NOACCESS);
         return FALSE;
     }
     auto* bytes = static_cast<uint8_t*>(lpBuffer);
