@@ -16,6 +16,19 @@ const DEVMODEEX_FIELD g_DevmodeFields[] = {DEVMODEEX_PUBLIC_FIELDS(DEVMODEEX_PUB
 #undef DEVMODEEX_PRIVATE_ROW
 const size_t g_cDevmodeFields = sizeof(g_DevmodeFields) / sizeof(g_DevmodeFields[0]);
 
+#define TVOFINISHERINFO_ROW(name, offset, kind, width)                                             \
+    {#name, offset, sizeof(TVOFinisherInfo::name), width, kind},
+#define TVOFINISHERPROGRAM_ROW(name, offset, kind, width)                                          \
+    {#name, offset, sizeof(TVOFinisherProgram::name), width, kind},
+const DEVMODEEX_FIELD g_FinisherInfoFields[] = {TVOFINISHERINFO_FIELDS(TVOFINISHERINFO_ROW)};
+const size_t g_cFinisherInfoFields = sizeof(g_FinisherInfoFields) / sizeof(g_FinisherInfoFields[0]);
+const DEVMODEEX_FIELD g_FinisherProgramFields[] = {
+    TVOFINISHERPROGRAM_FIELDS(TVOFINISHERPROGRAM_ROW)};
+const size_t g_cFinisherProgramFields =
+    sizeof(g_FinisherProgramFields) / sizeof(g_FinisherProgramFields[0]);
+#undef TVOFINISHERINFO_ROW
+#undef TVOFINISHERPROGRAM_ROW
+
 eDevmodeKind GetDevmodeKind(const DEVMODEW* pdm)
 {
     if (!pdm || pdm->dmSpecVersion != TVO_SPEC_VERSION ||
@@ -128,6 +141,14 @@ void TraceDevmode(const DEVMODEEX* pdm, const WCHAR* pszTitle)
         case kDMF_BYTES:
             WstrPrintf(szValue, 200, TEXT("(%u bytes)"), field.cbSize);
             break;
+        case kDMF_FINISHER: {
+            WCHAR szModel[64];
+            WstrNCopy(szModel, pdm->dmxFinisher.Model, 63);
+            szModel[63] = 0;
+            WstrPrintf(szValue, 200, TEXT("model \"%s\", %u programs"), szModel,
+                       pdm->dmxFinisher.numPrograms);
+            break;
+        }
         default:
             FormatNumbers(szValue, 200, p, field);
             break;

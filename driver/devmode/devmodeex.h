@@ -5,6 +5,7 @@
 
 #include "../../platform/win32.h"
 #include "../foundation/tvofixed.h"
+#include "tvofinisherinfo.h"
 
 #define TVO_SPEC_VERSION   0x0401
 #define TVO_DRIVER_VERSION 0x0C07
@@ -49,7 +50,7 @@ struct DEVMODEEX
     DWORD dmxUnits;
     LONG dmxFirmwareRevision;
     DWORD dmxFinisherType;
-    BYTE dmxFinisher[3620];
+    TVOFinisherInfo dmxFinisher;
     WORD dmxNumRolls;
     WORD dmxPadding1;
     DWORD dmxRollStatus[kMAX_ROLLS];
@@ -157,13 +158,14 @@ typedef DEVMODEEX* LPDEVMODEEX;
 // How a field is shown by the record's dump and by tools.
 enum eDevmodeFieldKind
 {
-    kDMF_BYTES,  // raw bytes (guards, reserved blocks, the finisher block)
+    kDMF_BYTES,  // raw bytes (reserved blocks)
     kDMF_SIGNED, // signed integer of the field's width (per element for arrays)
     kDMF_UNSIGNED,
     kDMF_HEX,   // unsigned, shown in hex: versions, masks, the signature, the guards
     kDMF_TEXT,  // NUL-terminated WCHAR text
     kDMF_LIST,  // WCHAR names, each NUL-terminated, ended by an empty name
     kDMF_FIXED, // TVOFixed: thousandths
+    kDMF_FINISHER, // a TVOFinisherInfo, shown by g_FinisherInfoFields and g_FinisherProgramFields
 };
 
 // The record, field by field, in offset order: name, offset, element kind and width.
@@ -217,7 +219,7 @@ enum eDevmodeFieldKind
     X(dmxUnits, 532, kDMF_UNSIGNED, 4)                                                             \
     X(dmxFirmwareRevision, 536, kDMF_SIGNED, 4)                                                    \
     X(dmxFinisherType, 540, kDMF_UNSIGNED, 4)                                                      \
-    X(dmxFinisher, 544, kDMF_BYTES, 1)                                                             \
+    X(dmxFinisher, 544, kDMF_FINISHER, 1)                                                             \
     X(dmxNumRolls, 4164, kDMF_UNSIGNED, 2)                                                         \
     X(dmxRollStatus, 4168, kDMF_UNSIGNED, 4)                                                       \
     X(dmxRollSize, 4192, kDMF_UNSIGNED, 4)                                                         \
@@ -341,6 +343,11 @@ struct DEVMODEEX_FIELD
 // Every named field, public then private, in offset order. Padding words are left out.
 extern const DEVMODEEX_FIELD g_DevmodeFields[];
 extern const size_t g_cDevmodeFields;
+// The finisher block's fields before its programs, and the fields of one program.
+extern const DEVMODEEX_FIELD g_FinisherInfoFields[];
+extern const size_t g_cFinisherInfoFields;
+extern const DEVMODEEX_FIELD g_FinisherProgramFields[];
+extern const size_t g_cFinisherProgramFields;
 
 // What a record is, judged by its identity fields. Only bytes within the size that the record
 // declares (dmSize + dmDriverExtra) are read.

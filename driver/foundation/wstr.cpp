@@ -627,6 +627,17 @@ size_t WstrCat(WCHAR* dst, size_t cchDst, const WCHAR* src)
     return WstrCopy(dst + len, cchDst - len, src);
 }
 
+void WstrNCopy(WCHAR* dst, const WCHAR* src, size_t n)
+{
+    if (!dst)
+        return;
+    size_t i = 0;
+    for (; src && i < n && src[i] != 0; i++)
+        dst[i] = src[i];
+    for (; i < n; i++)
+        dst[i] = 0;
+}
+
 size_t WstrCopyA(WCHAR* dst, size_t cchDst, const char* src)
 {
     if (!dst || cchDst == 0)

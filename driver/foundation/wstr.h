@@ -13,6 +13,9 @@ size_t WstrLen(const WCHAR* s);
 // Copies src into dst of cchDst code units, cutting so that dst is always terminated.
 // Returns the number of code units copied (without the terminator). cchDst 0 writes nothing.
 size_t WstrCopy(WCHAR* dst, size_t cchDst, const WCHAR* src);
+// Copies as wcsncpy does: at most n code units, the rest of the n filled with NULs; a src of n
+// units or more leaves dst unterminated. Reads src no further than n units.
+void WstrNCopy(WCHAR* dst, const WCHAR* src, size_t n);
 // Appends src to the text in dst under the same rule.
 size_t WstrCat(WCHAR* dst, size_t cchDst, const WCHAR* src);
 // Copies 8-bit text (each byte one code unit, as the PJL wire gives it), bounded likewise.

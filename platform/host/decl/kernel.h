@@ -97,6 +97,11 @@ DWORD WINAPI GetCurrentThreadId(void);
 #define DLL_THREAD_DETACH  3
 BOOL WINAPI DisableThreadLibraryCalls(HMODULE hLibModule);
 
+// Modules. The host loads PE files for their resources only: no code of them runs. A handle
+// stays valid until its last FreeLibrary.
+HMODULE WINAPI LoadLibraryW(LPCWSTR lpLibFileName);
+BOOL WINAPI FreeLibrary(HMODULE hLibModule);
+
 #ifdef __cplusplus
 }
 #endif

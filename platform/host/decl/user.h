@@ -43,6 +43,10 @@ extern "C" {
 #endif
 int WINAPI MessageBoxW(HWND hWnd, LPCWSTR lpText, LPCWSTR lpCaption, UINT uType);
 HWND WINAPI GetDesktopWindow(void);
+// Copies string uID of the module's string tables into lpBuffer (at most cchBufferMax - 1
+// characters and a terminator) and returns its length; cchBufferMax 0 stores a read-only
+// pointer to the string in *lpBuffer instead.
+int WINAPI LoadStringW(HINSTANCE hInstance, UINT uID, LPWSTR lpBuffer, int cchBufferMax);
 #ifdef __cplusplus
 }
 #endif
