@@ -95,6 +95,15 @@ void SetSystemVersion(DWORD major, DWORD minor, DWORD build);
 void GetSystemVersion(DWORD* major, DWORD* minor, DWORD* build);
 // The Windows path GetPrinterDriverDirectoryW reports for the current environment.
 std::u16string DriverDirectory();
+// Installs a driver file as the system does: into the version subdirectory of the driver
+// directory (3 for current drivers, 2 for older ones), so that the driver finds it
+// under <DriverDirectory()>\<version>\<fileName>. Copies sourcePath there, creating the
+// directories; a file already installed is replaced as a whole, never seen half-written.
+// False with a message in *error when the name is not a plain file name or the copy fails.
+bool InstallDriverFile(const std::string& sourcePath, const std::u16string& fileName, int version,
+                       std::string* error = nullptr);
+// The host path of an installed driver file (whether or not it is there).
+std::string InstalledDriverFilePath(const std::u16string& fileName, int version);
 
 // ---- Debug output and message boxes -----------------------------------------------------
 // OutputDebugStringW goes to standard error when QLMHOST_TRACE is set, and to the sink when

@@ -1,9 +1,11 @@
 // Every test executable starts here: each test gets a private in-memory store, so that no test
-// sees another's printers, and none touches the user's home.
+// sees another's printers, and none touches the user's home. The private home has the build's
+// resource library installed as the system would install it.
 #include "platform/host/host.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -26,6 +28,23 @@ class PrivateStore : public ::testing::EmptyTestEventListener
     void OnTestEnd(const ::testing::TestInfo&) override { host::CloseStore(); }
 };
 
+// The driver finds its resource library where Windows installs it, in the "3" subdirectory of
+// the printer driver directory; put the build's copy there, when this build has one.
+void InstallResourceLibrary()
+{
+#ifdef QLM_TEST_BINARY_DIR
+    const std::string built = QLM_TEST_BINARY_DIR "/resources/QLMRes.DLL";
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(built, ec)) {
+        return;
+    }
+    std::string error;
+    if (!host::InstallDriverFile(built, u"QLMRes.DLL", 3, &error)) {
+        std::fprintf(stderr, "warning: QLMRes.DLL not installed: %s\n", error.c_str());
+    }
+#endif
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -35,6 +54,7 @@ int main(int argc, char** argv)
         (std::filesystem::temp_directory_path() / ("qlmtest-" + std::to_string(getpid()))).string();
     std::filesystem::create_directories(home);
     host::SetHomeDirectory(home);
+    InstallResourceLibrary();
 
     ::testing::InitGoogleTest(&argc, argv);
     ::testing::UnitTest::GetInstance()->listeners().Append(new PrivateStore);

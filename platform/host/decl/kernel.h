@@ -102,6 +102,38 @@ BOOL WINAPI DisableThreadLibraryCalls(HMODULE hLibModule);
 HMODULE WINAPI LoadLibraryW(LPCWSTR lpLibFileName);
 BOOL WINAPI FreeLibrary(HMODULE hLibModule);
 
+// Resources of a loaded module. HRSRC names an entry of the module's resource tree; the data
+// of LoadResource is read-only and stays valid until the module's last FreeLibrary.
+typedef WORD LANGID;
+#define MAKELANGID(p, s)    ((((WORD)(s)) << 10) | (WORD)(p))
+#define PRIMARYLANGID(lgid) ((WORD)(lgid) & 0x3ff)
+#define SUBLANGID(lgid)     ((WORD)(lgid) >> 10)
+#define LANG_NEUTRAL        0x00
+#define LANG_ENGLISH        0x09
+#define SUBLANG_NEUTRAL     0x00
+#define SUBLANG_DEFAULT     0x01
+#define SUBLANG_ENGLISH_US  0x01
+#define RT_CURSOR           MAKEINTRESOURCEW(1)
+#define RT_BITMAP           MAKEINTRESOURCEW(2)
+#define RT_ICON             MAKEINTRESOURCEW(3)
+#define RT_MENU             MAKEINTRESOURCEW(4)
+#define RT_DIALOG           MAKEINTRESOURCEW(5)
+#define RT_STRING           MAKEINTRESOURCEW(6)
+#define RT_FONTDIR          MAKEINTRESOURCEW(7)
+#define RT_FONT             MAKEINTRESOURCEW(8)
+#define RT_ACCELERATOR      MAKEINTRESOURCEW(9)
+#define RT_RCDATA           MAKEINTRESOURCEW(10)
+#define RT_MESSAGETABLE     MAKEINTRESOURCEW(11)
+#define RT_GROUP_CURSOR     MAKEINTRESOURCEW(12)
+#define RT_GROUP_ICON       MAKEINTRESOURCEW(14)
+#define RT_VERSION          MAKEINTRESOURCEW(16)
+#define RT_MANIFEST         MAKEINTRESOURCEW(24)
+HRSRC WINAPI FindResourceW(HMODULE hModule, LPCWSTR lpName, LPCWSTR lpType);
+HRSRC WINAPI FindResourceExW(HMODULE hModule, LPCWSTR lpType, LPCWSTR lpName, WORD wLanguage);
+HGLOBAL WINAPI LoadResource(HMODULE hModule, HRSRC hResInfo);
+LPVOID WINAPI LockResource(HGLOBAL hResData);
+DWORD WINAPI SizeofResource(HMODULE hModule, HRSRC hResInfo);
+
 #ifdef __cplusplus
 }
 #endif
