@@ -161,10 +161,10 @@ enum eDevmodeFieldKind
     kDMF_BYTES,  // raw bytes (reserved blocks)
     kDMF_SIGNED, // signed integer of the field's width (per element for arrays)
     kDMF_UNSIGNED,
-    kDMF_HEX,   // unsigned, shown in hex: versions, masks, the signature, the guards
-    kDMF_TEXT,  // NUL-terminated WCHAR text
-    kDMF_LIST,  // WCHAR names, each NUL-terminated, ended by an empty name
-    kDMF_FIXED, // TVOFixed: thousandths
+    kDMF_HEX,      // unsigned, shown in hex: versions, masks, the signature, the guards
+    kDMF_TEXT,     // NUL-terminated WCHAR text
+    kDMF_LIST,     // WCHAR names, each NUL-terminated, ended by an empty name
+    kDMF_FIXED,    // TVOFixed: thousandths
     kDMF_FINISHER, // a TVOFinisherInfo, shown by g_FinisherInfoFields and g_FinisherProgramFields
 };
 
@@ -219,7 +219,7 @@ enum eDevmodeFieldKind
     X(dmxUnits, 532, kDMF_UNSIGNED, 4)                                                             \
     X(dmxFirmwareRevision, 536, kDMF_SIGNED, 4)                                                    \
     X(dmxFinisherType, 540, kDMF_UNSIGNED, 4)                                                      \
-    X(dmxFinisher, 544, kDMF_FINISHER, 1)                                                             \
+    X(dmxFinisher, 544, kDMF_FINISHER, 1)                                                          \
     X(dmxNumRolls, 4164, kDMF_UNSIGNED, 2)                                                         \
     X(dmxRollStatus, 4168, kDMF_UNSIGNED, 4)                                                       \
     X(dmxRollSize, 4192, kDMF_UNSIGNED, 4)                                                         \

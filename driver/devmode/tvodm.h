@@ -20,10 +20,41 @@ public:
 
     // Fills the record with what a fresh record holds for hPrinter. Always 1.
     virtual int setDefaults(HANDLE hPrinter);
+    // Once per object: dmxBiDi from the queue's port, and accounting mode 1 on a port that
+    // cannot answer.
+    virtual void getPrinterData(HANDLE hPrinter);
+    // Fetches the queue's stored record, or repairs what is there into a valid current record.
+    // szPort and szProfile only reach the trace; szDevName, when given, becomes dmDeviceName.
+    // Saves the result only when the queue had no record at all. Always 1.
+    virtual int getDeviceMode(HANDLE hPrinter, LPCWSTR szPort, LPCWSTR szDevName,
+                              LPCWSTR szProfile);
+    // Merges pdm (own current, own older, or foreign) into the record and repairs what the
+    // merge leaves invalid. model is the configuration's model identifier.
+    virtual void modifyDeviceMode(HANDLE hPrinter, const DEVMODEW* pdm, DWORD model);
+    // What the driver calls for the accounting identifiers: they trace only, so the
+    // identifiers live in the record alone.
+    virtual void getAccountingInfo(HANDLE hPrinter);
+    virtual void setAccountingInfo(HANDLE hPrinter, BOOL bClean);
+    // The per-user store of the identifiers, the value "Accounting" (140 bytes, or 12 in the
+    // old style).
+    virtual void GetAccountingInfo(HANDLE hPrinter);
+    virtual void SetAccountingInfo(HANDLE hPrinter, BOOL bClean);
 
     // TRUE for the printers whose default resolution is 600: the queue's name holds 3310, 3320,
     // 3320A or 3344.
     static BOOL IsSorrento(HANDLE hPrinter);
+
+    // The printer's words to record codes; exact text, first row wins.
+    static LONG GetFirmwareRev(LPCWSTR pszText);     // no match: 28
+    static DWORD GetRollSizeCode(LPCWSTR pszText);   // no match: 25
+    static DWORD GetRollStatusCode(LPCWSTR pszText); // no match: 3
+    static DWORD GetMediaTypeCode(LPCWSTR pszText);  // no match: 0
+    // Compared without regard to case; no match: kFINISHER_NONE.
+    static DWORD GetFinisherTypeCode(LPCWSTR pszText);
+    // A platform paper code to the driver's own, or 119 when there is none.
+    static short convertDMPaperSize(short code);
+    // Rolls 1 to 6 and manual feed stand; anything else becomes automatic.
+    static short convertDMDefaultSource(short code);
 
     // How many objects each constructor made and the destructor released, for the trace at a
     // sheet's teardown.

@@ -100,19 +100,28 @@ typedef struct _devicemodeW
 #define DM_IN_PROMPT   DM_PROMPT
 #define DM_IN_BUFFER   DM_MODIFY
 
-#define DMORIENT_PORTRAIT  1
-#define DMORIENT_LANDSCAPE 2
-#define DMCOLOR_MONOCHROME 1
-#define DMCOLOR_COLOR      2
-#define DMBIN_MANUAL       4
-#define DMBIN_AUTO         7
-#define DMBIN_USER         256
-#define DMPAPER_LETTER     1
-#define DMPAPER_A4         9
-#define DMPAPER_USER       256
-#define DMTT_BITMAP        1
-#define DMCOLLATE_FALSE    0
-#define DMCOLLATE_TRUE     1
+#define DMORIENT_PORTRAIT   1
+#define DMORIENT_LANDSCAPE  2
+#define DMCOLOR_MONOCHROME  1
+#define DMCOLOR_COLOR       2
+#define DMBIN_MANUAL        4
+#define DMBIN_AUTO          7
+#define DMBIN_USER          256
+#define DMPAPER_LETTER      1
+#define DMPAPER_LETTERSMALL 2
+#define DMPAPER_TABLOID     3
+#define DMPAPER_LEDGER      4
+#define DMPAPER_A3          8
+#define DMPAPER_A4          9
+#define DMPAPER_11X17       17
+#define DMPAPER_CSHEET      24
+#define DMPAPER_DSHEET      25
+#define DMPAPER_ESHEET      26
+#define DMPAPER_ISO_B4      42
+#define DMPAPER_USER        256
+#define DMTT_BITMAP         1
+#define DMCOLLATE_FALSE     0
+#define DMCOLLATE_TRUE      1
 
 typedef struct _PRINTER_INFO_1W
 {
