@@ -2,7 +2,16 @@
 // still to come, which answer with their failure value.
 #include "tvouidrv.h"
 
+#include "../config/tvoconfg.h"
+#include "../config/tvodev.h"
+#include "../devmode/tvodm.h"
+#include "../devmode/tvodm_convert.h"
 #include "../foundation/qlmtrace.h"
+#include "../foundation/qlmutils.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
 
 BOOL TraceEntryFlags()
 {
@@ -35,19 +44,66 @@ void TVONTUIDriver::ReadDebugSwitches(HANDLE hPrinter, WORD reason)
     ReadAllDebugSwitches(hPrinter);
 }
 
+// Each call builds and releases a whole configuration: nothing is cached between calls.
 DWORD TVONTUIDriver::DrvDeviceCapabilities(HANDLE hPrinter, PWSTR pDeviceName, WORD iDevCap,
                                            void* pvOutput, PDEVMODEW pDevMode)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvDeviceCapabilities"), TraceEntryFlags());
-    return GDI_ERROR;
+    TVODevice device;
+    device.setDeviceConfiguration(hPrinter);
+    switch (iDevCap) {
+    case DC_FIELDS:
+        // The record's own mask reaches the trace only.
+        device.deviceCapabilities(hPrinter, nullptr, iDevCap, pvOutput, pDevMode);
+        return kDC_FIELDS_ANSWER;
+    case DC_FILEDEPENDENCIES:
+        return pvOutput ? GDI_ERROR : 0;
+    case DC_TRUETYPE:
+        return 1;
+    default:
+        return static_cast<DWORD>(
+            device.deviceCapabilities(hPrinter, nullptr, iDevCap, pvOutput, pDevMode));
+    }
 }
 
 BOOL TVONTUIDriver::DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut,
                                       PLONG pcbNeeded, DWORD fMode)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvConvertDevMode"), TraceEntryFlags());
-    SetLastError(ERROR_NOT_SUPPORTED);
-    return FALSE;
+    LONG lResult = CommonDrvConvertDevMode(pPrinterName, pdmIn, pdmOut, pcbNeeded, fMode,
+                                           &g_DriverVersionInfo);
+    if (lResult == CDM_RESULT_TRUE)
+        return TRUE;
+    if (lResult == CDM_RESULT_FALSE)
+        return FALSE;
+
+    if (*pcbNeeded < static_cast<LONG>(kDEVMODEEX_SIZE)) {
+        *pcbNeeded = kDEVMODEEX_SIZE;
+        return FALSE;
+    }
+    if (fMode != CDM_DRIVER_DEFAULT) {
+        static bool s_bReported = false;
+        if (!s_bReported) {
+            s_bReported = true;
+            Assert(QLM_WIDEN(__FILE__), __LINE__,
+                   "\"TVONTUIDriver::DrvConvertDevMode unhandled option\"");
+        }
+        return FALSE;
+    }
+
+    // The driver's default: the queue's record, repaired. A printer that cannot be opened
+    // goes on with a null handle, which gives the defaults of no printer.
+    HANDLE hPrinter = nullptr;
+    OpenPrinterW(pPrinterName, &hPrinter, nullptr);
+    TVODevMode devMode(hPrinter);
+    if (!devMode.getDeviceMode(hPrinter, TEXT(""), pPrinterName, TEXT("")))
+        Trace(TEXT("getDeviceMode failed"));
+    devMode.getAccountingInfo(hPrinter);
+    if (pdmOut && devMode.m_lpDM)
+        memcpy(pdmOut, devMode.m_lpDM, kDEVMODEEX_SIZE);
+    if (hPrinter)
+        ClosePrinter(hPrinter);
+    return TRUE;
 }
 
 BOOL TVONTUIDriver::DrvPrinterEvent(LPWSTR pPrinterName, INT DriverEvent, DWORD Flags,
@@ -57,23 +113,139 @@ BOOL TVONTUIDriver::DrvPrinterEvent(LPWSTR pPrinterName, INT DriverEvent, DWORD 
     return FALSE;
 }
 
+// Never shows anything, DM_IN_PROMPT or not: prompting belongs to the sheets.
 LONG TVONTUIDriver::DrvDocumentProperties(HWND hwnd, HANDLE hPrinter, PWSTR lpszDeviceName,
                                           PDEVMODEW pdmOutput, PDEVMODEW pdmInput, DWORD fMode)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvDocumentProperties"), TraceEntryFlags());
-    return 0;
+    Trace(TEXT("hPrinter=%p, fMode=0x%X"), hPrinter, fMode);
+    TVODevMode devMode(hPrinter);
+    if (!devMode.m_lpDM || !devMode.getDeviceMode(hPrinter, TEXT(""), TEXT(""), TEXT("")))
+        return 0;
+    const bool bInput = (fMode & DM_IN_BUFFER) && pdmInput;
+    if (bInput) {
+        TVOPrinterConfiguration* pConfig =
+            new (std::nothrow) TVOPrinterConfiguration(lpszDeviceName);
+        ASSERT(pConfig != 0);
+        if (pConfig) {
+            devMode.modifyDeviceMode(hPrinter, pdmInput, pConfig->m_PrinterModel);
+            delete pConfig;
+        }
+    }
+    devMode.getAccountingInfo(hPrinter);
+    if (fMode == 0)
+        return kDEVMODEEX_SIZE;
+
+    DEVMODEEX dmLocal;
+    memcpy(static_cast<void*>(&dmLocal), devMode.m_lpDM, sizeof(dmLocal));
+    // The raw input wins over the merge just made: the caller passes a full record here. Only
+    // what the input declares it holds is read.
+    if (bInput) {
+        DWORD cbInput = static_cast<DWORD>(pdmInput->dmSize) + pdmInput->dmDriverExtra;
+        memcpy(static_cast<void*>(&dmLocal), pdmInput, std::min(cbInput, kDEVMODEEX_SIZE));
+    }
+    if ((fMode & DM_OUT_BUFFER) && pdmOutput)
+        memcpy(pdmOutput, &dmLocal, kDEVMODEEX_SIZE);
+    return 1;
 }
+
+LONG TVONTUIDriver::GetSizeOrDefault(LPARAM lParam)
+{
+    QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::GetSizeOrDefault"), TraceEntryFlags());
+    PDOCUMENTPROPERTYHEADER pHeader = reinterpret_cast<PDOCUMENTPROPERTYHEADER>(lParam);
+    pHeader->cbOut = kDEVMODEEX_SIZE;
+    if (pHeader->fMode == 0 || !pHeader->pdmOut)
+        return static_cast<LONG>(pHeader->cbOut);
+    if (!(pHeader->fMode & (DM_OUT_DEFAULT | DM_OUT_BUFFER)))
+        return 1;
+
+    HANDLE hPrinter = pHeader->hPrinter;
+    TVODevMode* pDevMode = new (std::nothrow) TVODevMode(hPrinter);
+    if (!pDevMode || !pDevMode->m_lpDM) {
+        ASSERT(pDevMode != 0);
+        delete pDevMode;
+        return -1;
+    }
+    if (!pDevMode->getDeviceMode(hPrinter, TEXT(""), pHeader->pszPrinterName, TEXT("")))
+        Trace(TEXT("getDeviceMode failed"));
+    LPCWSTR pszDriverName = QLMGetDriverName(hPrinter);
+    if (!pszDriverName)
+        pszDriverName = TEXT("Tarvo Plan Output System 2440");
+    TVOPrinterConfiguration* pConfig = new (std::nothrow) TVOPrinterConfiguration(pszDriverName);
+    if (!pConfig) {
+        ASSERT(pConfig != 0);
+        delete pDevMode;
+        return -1;
+    }
+    if ((pHeader->fMode & DM_IN_BUFFER) && pHeader->pdmIn)
+        pDevMode->modifyDeviceMode(hPrinter, pHeader->pdmIn, pConfig->m_PrinterModel);
+    pDevMode->getAccountingInfo(hPrinter);
+    delete pConfig;
+    memcpy(pHeader->pdmOut, pDevMode->m_lpDM, kDEVMODEEX_SIZE);
+    delete pDevMode;
+    return 1;
+}
+
+namespace {
+
+// The printer of a sheet's header; the device sheet's header may hold 0x100, which is no
+// header at all.
+HANDLE DocumentHeaderPrinter(PPROPSHEETUI_INFO pPSUIInfo)
+{
+    auto* pHeader = reinterpret_cast<PDOCUMENTPROPERTYHEADER>(pPSUIInfo->lParamInit);
+    return pHeader ? pHeader->hPrinter : nullptr;
+}
+
+HANDLE DeviceHeaderPrinter(LPARAM lParam)
+{
+    if (lParam == 0 || lParam == 0x100)
+        return nullptr;
+    return reinterpret_cast<PDEVICEPROPERTYHEADER>(lParam)->hPrinter;
+}
+
+} // namespace
 
 LONG TVONTUIDriver::DrvDevicePropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvDevicePropertySheets"), TraceEntryFlags());
-    return -1;
+    if (!pPSUIInfo) {
+        ASSERT(pPSUIInfo != 0);
+        return -1;
+    }
+    if (pPSUIInfo->Reason != PROPSHEETUI_REASON_DESTROY && lParam != 0)
+        ReadDebugSwitches(DeviceHeaderPrinter(pPSUIInfo->lParamInit), pPSUIInfo->Reason);
+    switch (pPSUIInfo->Reason) {
+    case PROPSHEETUI_REASON_INIT:
+        return DeviceSheetUI_INIT(pPSUIInfo, lParam);
+    case PROPSHEETUI_REASON_DESTROY:
+        return PropsheetUI_Destroy(pPSUIInfo, lParam);
+    default:
+        return 0;
+    }
 }
 
 LONG TVONTUIDriver::DrvDocumentPropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvDocumentPropertySheets"), TraceEntryFlags());
-    return -1;
+    if (!lParam) {
+        Trace(TEXT("Invalid lParam"));
+        return -1;
+    }
+    if (!pPSUIInfo)
+        return GetSizeOrDefault(lParam);
+    if (pPSUIInfo->Reason != PROPSHEETUI_REASON_DESTROY)
+        ReadDebugSwitches(DocumentHeaderPrinter(pPSUIInfo), pPSUIInfo->Reason);
+    switch (pPSUIInfo->Reason) {
+    case PROPSHEETUI_REASON_INIT:
+        pPSUIInfo->UserData = 0;
+        return PropsheetUI_Init(pPSUIInfo, lParam);
+    case PROPSHEETUI_REASON_DESTROY:
+        return PropsheetUI_Destroy(pPSUIInfo, lParam);
+    case PROPSHEETUI_REASON_SET_RESULT:
+        return PropsheetUI_Set(pPSUIInfo, lParam);
+    default:
+        return 0;
+    }
 }
 
 namespace {

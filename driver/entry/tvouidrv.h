@@ -3,13 +3,7 @@
 #pragma once
 
 #include "../../platform/win32.h"
-
-// Base of the driver class: nothing but a virtual destructor.
-class TVOObject
-{
-public:
-    virtual ~TVOObject() {}
-};
+#include "../foundation/tvoobject.h"
 
 class TVONTUIDriver : public TVOObject
 {
@@ -30,6 +24,16 @@ public:
 
     // Reads the debug switches of the printer, except when the sheet is being destroyed.
     void ReadDebugSwitches(HANDLE hPrinter, WORD reason);
+
+    // DrvDocumentPropertySheets without a sheet: the record's size, or its default in the
+    // header's output buffer.
+    LONG GetSizeOrDefault(LPARAM lParam);
+
+    // The sheet's life; the sheets are built in their own units.
+    LONG PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
+    LONG PropsheetUI_Set(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
+    LONG PropsheetUI_Destroy(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
+    LONG DeviceSheetUI_INIT(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
 };
 
 // The name of a document event for the trace; "DEFAULT" for one the table does not know.

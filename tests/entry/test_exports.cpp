@@ -4,6 +4,8 @@
 
 #include "driver/entry/tvouidrv.h"
 
+#include "support/hostprinter.h"
+
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
@@ -102,10 +104,17 @@ TEST_F(DriverLibrary, DocumentEventsAreAcceptedButTheFilterQuery)
     }
 }
 
-TEST_F(DriverLibrary, EntriesStillToComeAnswerWithTheirFailureValue)
+// The library answers through its exports as it does through the driver object.
+TEST_F(DriverLibrary, ExportsAnswerForAHostPrinter)
 {
+    HostPrinter printer(u"Plan", u"Tarvo 3320 Wide Format");
     auto* caps = Export<DWORD(HANDLE, PWSTR, WORD, void*, PDEVMODEW)>("DrvDeviceCapabilities");
-    EXPECT_EQ(caps(nullptr, nullptr, DC_PAPERS, nullptr, nullptr), (DWORD)GDI_ERROR);
+    EXPECT_EQ(caps(printer.handle(), nullptr, DC_SIZE, nullptr, nullptr), 220u);
+    EXPECT_EQ(caps(printer.handle(), nullptr, DC_PAPERS, nullptr, nullptr), 23u);
+    EXPECT_EQ(caps(printer.handle(), nullptr, DC_ENUMRESOLUTIONS, nullptr, nullptr), 4u);
+    auto* properties =
+        Export<LONG(HWND, HANDLE, PWSTR, PDEVMODEW, PDEVMODEW, DWORD)>("DrvDocumentProperties");
+    EXPECT_EQ(properties(nullptr, printer.handle(), nullptr, nullptr, nullptr, 0), 13484);
     auto* sheets = Export<LONG(PPROPSHEETUI_INFO, LPARAM)>("DrvDocumentPropertySheets");
     EXPECT_EQ(sheets(nullptr, 0), -1);
     auto* device = Export<LONG(PPROPSHEETUI_INFO, LPARAM)>("DrvDevicePropertySheets");

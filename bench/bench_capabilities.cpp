@@ -1,0 +1,161 @@
+// What one DrvDeviceCapabilities call costs on the host, and what it is made of. Each call
+// builds and releases its whole configuration, as applications see it on Windows: the debug
+// switches, the configuration with its resource library and user forms, the queue's record,
+// and the answer itself.
+#include "driver/config/tvoconfg.h"
+#include "driver/config/tvodev.h"
+#include "driver/devmode/tvodm.h"
+#include "driver/entry/tvouidrv.h"
+#include "driver/foundation/qlmtrace.h"
+#include "driver/foundation/qlmutils.h"
+#include "driver/foundation/wstr.h"
+#include "platform/host/host.h"
+
+#include <benchmark/benchmark.h>
+
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A private home with the built resource library installed and one queue of a 2440 with two
+// user forms; the handle stays open for the program's life.
+HANDLE Printer()
+{
+    static HANDLE hPrinter = [] {
+        const fs::path built = fs::read_symlink("/proc/self/exe").parent_path().parent_path() /
+                               "resources" / "QLMRes.DLL";
+        const fs::path home =
+            fs::temp_directory_path() / ("qlmbench-caps-" + std::to_string(getpid()));
+        fs::create_directories(home);
+        static struct Cleanup
+        {
+            fs::path dir;
+            ~Cleanup()
+            {
+                std::error_code ignored;
+                fs::remove_all(dir, ignored);
+            }
+        } cleanup{home};
+        host::SetHomeDirectory(home.string());
+        host::OpenStore(":memory:");
+        host::InstallDriverFile(built.string(), u"QLMRes.DLL", 3);
+        host::PrinterRecord printer;
+        printer.name = u"Plan 2440";
+        printer.driverName = u"Tarvo Plan Output System 2440";
+        printer.portName = u"LPT1:";
+        host::AddPrinter(printer);
+        HANDLE h = nullptr;
+        OpenPrinterW(const_cast<LPWSTR>(u"Plan 2440"), &h, nullptr);
+        TVOPrinterConfiguration config(TEXT("Tarvo Plan Output System 2440"));
+        config.m_UserFormCount = 2;
+        const WCHAR* kNames[] = {TEXT("Banner"), TEXT("Poster")};
+        for (int i = 0; i < 2; i++) {
+            WstrCopy(config.m_UserForms[i].name, 32, kNames[i]);
+            config.m_UserForms[i].width = 9144;
+            config.m_UserForms[i].length = 30000 + i;
+        }
+        config.setUserForms(h);
+        return h;
+    }();
+    return hPrinter;
+}
+
+void BM_DrvDeviceCapabilities(benchmark::State& state)
+{
+    HANDLE h = Printer();
+    WORD index = static_cast<WORD>(state.range(0));
+    TVONTUIDriver driver;
+    LONG count =
+        static_cast<LONG>(driver.DrvDeviceCapabilities(h, nullptr, index, nullptr, nullptr));
+    std::vector<BYTE> buffer(static_cast<size_t>(count > 0 ? count : 1) * 128);
+    for (auto _ : state) {
+        DWORD answer = driver.DrvDeviceCapabilities(h, nullptr, index, buffer.data(), nullptr);
+        benchmark::DoNotOptimize(answer);
+    }
+    state.SetLabel(index == DC_PAPERNAMES ? "DC_PAPERNAMES"
+                   : index == DC_BINS     ? "DC_BINS"
+                                          : "DC_ENUMRESOLUTIONS");
+}
+BENCHMARK(BM_DrvDeviceCapabilities)->Arg(DC_PAPERNAMES)->Arg(DC_BINS)->Arg(DC_ENUMRESOLUTIONS);
+
+// The parts of one call, each on its own.
+void BM_Part_ReadDebugSwitches(benchmark::State& state)
+{
+    HANDLE h = Printer();
+    // Inside an entry the traces are off, as they are here.
+    TVOTraceFlagScope scope(0);
+    for (auto _ : state)
+        ReadAllDebugSwitches(h);
+}
+BENCHMARK(BM_Part_ReadDebugSwitches);
+
+void BM_Part_ConfigurationWithForms(benchmark::State& state)
+{
+    HANDLE h = Printer();
+    for (auto _ : state) {
+        TVOPrinterConfiguration config(QLMGetDriverName(h));
+        config.setPrinterHandle(h);
+        config.getUserForms(h);
+        benchmark::DoNotOptimize(config.m_UserFormCount);
+    }
+}
+BENCHMARK(BM_Part_ConfigurationWithForms);
+
+void BM_Part_PrinterInfo(benchmark::State& state)
+{
+    HANDLE h = Printer();
+    for (auto _ : state) {
+        LPBYTE p = QLMGetPrinterInfo(h, 2);
+        benchmark::DoNotOptimize(p);
+        GlobalFree(p);
+    }
+}
+BENCHMARK(BM_Part_PrinterInfo);
+
+void BM_Part_DeviceObject(benchmark::State& state)
+{
+    for (auto _ : state) {
+        TVODevice device;
+        benchmark::DoNotOptimize(device.m_pConfig);
+    }
+}
+BENCHMARK(BM_Part_DeviceObject);
+
+void BM_Part_QueueRecord(benchmark::State& state)
+{
+    HANDLE h = Printer();
+    for (auto _ : state) {
+        TVODevMode devMode(h);
+        devMode.getDeviceMode(h, nullptr, TEXT(""), nullptr);
+        DEVMODEEX copy;
+        memcpy(static_cast<void*>(&copy), devMode.m_lpDM, sizeof(copy));
+        benchmark::DoNotOptimize(copy.dmPublic.dmPaperSize);
+    }
+}
+BENCHMARK(BM_Part_QueueRecord);
+
+void BM_Part_PaperNamesAnswer(benchmark::State& state)
+{
+    HANDLE h = Printer();
+    TVOPrinterConfiguration config(TEXT("Tarvo Plan Output System 2440"));
+    config.setPrinterHandle(h);
+    config.getUserForms(h);
+    TVODevMode devMode;
+    std::vector<WCHAR> names(64 * 64);
+    for (auto _ : state) {
+        int n = config.getPaperInfo(devMode.m_lpDM, nullptr, DC_PAPERNAMES);
+        n += config.getPaperInfo(devMode.m_lpDM, names.data(), DC_PAPERNAMES);
+        benchmark::DoNotOptimize(n);
+    }
+}
+BENCHMARK(BM_Part_PaperNamesAnswer);
+
+} // namespace
+
+BENCHMARK_MAIN();
