@@ -1,34 +1,50 @@
 #!/usr/bin/env bash
-# The main job: builds the Linux host, installs a queue of the driver in a fresh host home,
-# and shows what the driver answers and the settings record it works on.
+# The main job: builds the Linux host, installs a queue of one plotter model in a fresh host
+# home, and shows what the driver tells an application about it: its capabilities and its
+# default settings record.
+#
+#   bash scripts/demo.sh [MODEL]
+#
+# MODEL is the driver name of the model (default "Tarvo Plan Output System 2440"). The host's
+# state lives in a temporary home that is removed at the end, unless QLMDEMO_HOME names a
+# directory to keep it in.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+model=${1:-Tarvo Plan Output System 2440}
+
 bash scripts/deps.sh
 cmake --preset host >/dev/null
 cmake --build --preset host -j "$(nproc)" --target qlmhost QLMUIDrv QLMRes >/dev/null
 
-home=$(mktemp -d "${TMPDIR:-/tmp}/qlmdemo.XXXXXX")
-trap 'rm -rf "$home"' EXIT
+if [ -n "${QLMDEMO_HOME:-}" ]; then
+  home=$QLMDEMO_HOME
+  mkdir -p "$home"
+else
+  home=$(mktemp -d "${TMPDIR:-/tmp}/qlmdemo.XXXXXX")
+  trap 'rm -rf "$home"' EXIT
+fi
 qlmhost() { build/host/tools/qlmhost/qlmhost --home "$home" "$@"; }
 step() { printf '\n== %s\n' "$*"; }
 
-step "A port of the standard TCP/IP monitor and a queue of the driver on it"
-qlmhost port add 127.0.0.1 --monitor TCPMON.DLL --description "Standard TCP/IP Port"
-qlmhost printer add "Plan 2440" --driver "Tarvo Plan Output System 2440" --port 127.0.0.1
-qlmhost printer list
-qlmhost port list
+# The queue is named after the model's number: "Plan 2440".
+number=$(grep -o '[0-9]\{4\}' <<<"$model" | head -n 1 || true)
+queue="Plan ${number:-plotter}"
 
-step "Debug switches live in the queue's printer data"
-qlmhost data set "Plan 2440" TVONTUIDriver --dword 1 --key DebugSettings
-qlmhost data get "Plan 2440" TVONTUIDriver --key DebugSettings
+step "A port of the standard TCP/IP monitor and a queue of \"$model\" on it"
+qlmhost port add 127.0.0.1 --monitor TCPMON.DLL --description "Standard TCP/IP Port"
+qlmhost printer remove "$queue" >/dev/null 2>&1 || true
+qlmhost printer add "$queue" --driver "$model" --port 127.0.0.1
+qlmhost printer list
 
 step "The driver library, loaded as the spooler loads it, answers at once"
-qlmhost driver "Plan 2440"
+qlmhost driver "$queue"
 
-step "The layout of the settings record"
-qlmhost devmode layout >"$home/layout.txt"
-head -5 "$home/layout.txt"
-echo "   ... (qlmhost devmode layout lists all fields)"
+step "What an application asks: DeviceCapabilities"
+qlmhost caps "$queue" DC_PAPERNAMES
+qlmhost caps "$queue" DC_BINNAMES
+qlmhost caps "$queue" DC_ENUMRESOLUTIONS
+qlmhost caps "$queue" DC_MAXEXTENT
+qlmhost caps "$queue" DC_MMINCH
 
-step "A fresh record for the queue: defaults, 400 dpi, and dmxBiDi 1 from the TCP/IP monitor"
-qlmhost devmode new "Plan 2440"
+step "The default settings record (DrvDocumentProperties, DM_OUT_BUFFER), field by field"
+qlmhost devmode default "$queue"

@@ -100,8 +100,7 @@ public:
     int getPaperInfo(const DEVMODEEX* lpEnv, void* lpOutput, WORD wIndex);
     int CountPaperInfo(TVOList list) const;
     // Write one list, the user forms, or the custom row through the cursor of wIndex.
-    int AddPaperInfo(TVOList list, WORD wIndex, WCHAR** ppNames, WORD** ppPapers,
-                     POINT** ppSizes);
+    int AddPaperInfo(TVOList list, WORD wIndex, WCHAR** ppNames, WORD** ppPapers, POINT** ppSizes);
     int AddUserDefinedPapers(DWORD units, WORD wIndex, WCHAR** ppNames, WORD** ppPapers,
                              POINT** ppSizes);
     int AddCustomPaper(const DEVMODEEX* lpEnv, WORD wIndex, WCHAR** ppNames, WORD** ppPapers,

@@ -3,13 +3,14 @@
 #include "driverlib.h"
 #include "records.h"
 
-#include "driver/devmode/devmodeex.h"
-#include "driver/devmode/tvodm.h"
 #include "platform/host/host.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 
 bool Args::Take(const std::string& name, std::string* value)
 {
@@ -58,9 +59,7 @@ int UsageError(const Command& command, const std::string& message)
     return 2;
 }
 
-namespace {
-
-const Command& Find(const char* name)
+const Command& FindCommand(const char* name)
 {
     for (size_t i = 0; i < g_cCommands; i++)
         if (strcmp(g_Commands[i].name, name) == 0)
@@ -68,17 +67,17 @@ const Command& Find(const char* name)
     abort();
 }
 
-// Checks the positional count and that no unknown option is left; prints usage otherwise.
 bool Expect(Args& args, const char* command, size_t minWords, size_t maxWords, int* rc)
 {
     std::string message;
     if (args.Unknown(&message)) {
-        *rc = UsageError(Find(command), message);
+        *rc = UsageError(FindCommand(command), message);
         return false;
     }
     size_t n = args.Rest().size();
     if (n < minWords || n > maxWords) {
-        *rc = UsageError(Find(command), n < minWords ? "missing arguments" : "too many arguments");
+        *rc = UsageError(FindCommand(command),
+                         n < minWords ? "missing arguments" : "too many arguments");
         return false;
     }
     return true;
@@ -104,15 +103,45 @@ std::string Win32Error(DWORD code)
         {ERROR_FILE_NOT_FOUND, "not found"},
         {ERROR_INVALID_HANDLE, "invalid handle"},
         {ERROR_ACCESS_DENIED, "access denied (the key has subkeys)"},
+        {ERROR_INVALID_PARAMETER, "invalid parameter"},
+        {ERROR_INSUFFICIENT_BUFFER, "buffer too small"},
         {ERROR_INVALID_PRINTER_NAME, "no such printer"},
         {ERROR_BAD_PATHNAME, "bad key path"},
         {ERROR_MORE_DATA, "more data than room"},
+        {ERROR_NOT_SUPPORTED, "not supported"},
     };
     for (const Row& row : kRows)
         if (row.code == code)
             return row.text + std::string(" (error ") + std::to_string(code) + ")";
     return "error " + std::to_string(code);
 }
+
+bool ParseNumber(const std::string& text, long long low, long long high, long long* value)
+{
+    if (text.empty() || text.size() > 20 || isspace(static_cast<unsigned char>(text[0])))
+        return false;
+    char* end = nullptr;
+    errno = 0;
+    long long v = strtoll(text.c_str(), &end, 0);
+    if (*end || errno || v < low || v > high)
+        return false;
+    *value = v;
+    return true;
+}
+
+OpenedPrinter::OpenedPrinter(const std::string& name) : m_name(W(name))
+{
+    if (m_name.empty() || !OpenPrinterW(m_name.data(), &m_handle, nullptr))
+        m_handle = nullptr;
+}
+
+OpenedPrinter::~OpenedPrinter()
+{
+    if (m_handle)
+        ClosePrinter(m_handle);
+}
+
+namespace {
 
 // --dword N | --string S | --binary HEX, as a registry type and its bytes.
 bool TakeValue(Args& args, DWORD* type, std::vector<uint8_t>* data, std::string* error)
@@ -224,6 +253,64 @@ void PrintValue(const std::string& name, DWORD type, const std::vector<uint8_t>&
     }
 }
 
+// ---- the resource library ---------------------------------------------------------------
+
+// The driver loads QLMRes.DLL from the version 3 folder of the printer driver directory, and
+// from the version 2 folder when 3 has none.
+constexpr char16_t kResourceFile[] = u"QLMRes.DLL";
+
+bool ResourcesInstalled()
+{
+    std::error_code ec;
+    return std::filesystem::exists(host::InstalledDriverFilePath(kResourceFile, 3), ec) ||
+           std::filesystem::exists(host::InstalledDriverFilePath(kResourceFile, 2), ec);
+}
+
+// --resources, else $QLMHOST_RESOURCES, else the one this build made.
+std::string ResourcesSource(const std::string& given)
+{
+    if (!given.empty())
+        return given;
+    const char* env = getenv("QLMHOST_RESOURCES");
+    return env && *env ? env : QLM_DEFAULT_RESOURCES;
+}
+
+// Copies a resource library into place; only a PE file is taken.
+bool InstallResources(const std::string& source, std::string* error)
+{
+    std::ifstream file(source, std::ios::binary);
+    char magic[2] = {};
+    if (!file || !file.read(magic, 2)) {
+        *error = "cannot read the resource library " + source;
+        return false;
+    }
+    if (magic[0] != 'M' || magic[1] != 'Z') {
+        *error = source + " is not a PE file, so not a resource library";
+        return false;
+    }
+    return host::InstallDriverFile(source, kResourceFile, 3, error);
+}
+
+std::string InstalledResourcesName()
+{
+    return U(host::DriverDirectory() + u"\\3\\" + kResourceFile);
+}
+
+int DriverInstall(Args& args, const Options&)
+{
+    std::string given;
+    args.Take("--resources", &given);
+    int rc;
+    if (!Expect(args, "driver install", 0, 0, &rc))
+        return rc;
+    std::string source = ResourcesSource(given), error;
+    if (!InstallResources(source, &error))
+        return Fail(error);
+    printf("%s installed as %s (%s)\n", source.c_str(), InstalledResourcesName().c_str(),
+           host::InstalledDriverFilePath(kResourceFile, 3).c_str());
+    return 0;
+}
+
 // ---- printer ------------------------------------------------------------------------------
 
 int PrinterAdd(Args& args, const Options&)
@@ -231,7 +318,7 @@ int PrinterAdd(Args& args, const Options&)
     host::PrinterRecord printer;
     std::string driver, port;
     if (!args.Take("--driver", &driver))
-        return UsageError(Find("printer add"), "--driver is required");
+        return UsageError(FindCommand("printer add"), "--driver is required");
     args.Take("--port", &port);
     int rc;
     if (!Expect(args, "printer add", 1, 1, &rc))
@@ -245,6 +332,18 @@ int PrinterAdd(Args& args, const Options&)
         return Fail("printer '" + args.Rest()[0] + "' exists already");
     printf("printer '%s' added (driver '%s', port '%s')\n", args.Rest()[0].c_str(), driver.c_str(),
            U(printer.portName).c_str());
+    // A queue is of no use while the driver cannot find its resources.
+    if (!ResourcesInstalled()) {
+        std::string source = ResourcesSource(std::string()), error;
+        if (InstallResources(source, &error))
+            printf("note: the driver's resources were missing; %s installed as %s\n",
+                   source.c_str(), InstalledResourcesName().c_str());
+        else
+            fprintf(stderr,
+                    "qlmhost: warning: the driver's resources are missing and could not be "
+                    "installed: %s (see qlmhost driver install)\n",
+                    error.c_str());
+    }
     return 0;
 }
 
@@ -296,7 +395,7 @@ int PortAdd(Args& args, const Options&)
     host::PortRecord port;
     std::string monitor, description;
     if (!args.Take("--monitor", &monitor))
-        return UsageError(Find("port add"), "--monitor is required");
+        return UsageError(FindCommand("port add"), "--monitor is required");
     args.Take("--description", &description);
     int rc;
     if (!Expect(args, "port add", 1, 1, &rc))
@@ -341,26 +440,6 @@ int PortList(Args& args, const Options& options)
 
 // ---- printer data, through the spooler's own calls ------------------------------------------
 
-class OpenedPrinter
-{
-public:
-    explicit OpenedPrinter(const std::string& name) : m_name(W(name))
-    {
-        if (!OpenPrinterW(m_name.data(), &m_handle, nullptr))
-            m_handle = nullptr;
-    }
-    ~OpenedPrinter()
-    {
-        if (m_handle)
-            ClosePrinter(m_handle);
-    }
-    HANDLE get() const { return m_handle; }
-
-private:
-    std::u16string m_name;
-    HANDLE m_handle = nullptr;
-};
-
 int DataSet(Args& args, const Options&)
 {
     std::string key = "PrinterDriverData", error;
@@ -368,7 +447,7 @@ int DataSet(Args& args, const Options&)
     DWORD type = REG_NONE;
     std::vector<uint8_t> data;
     if (!TakeValue(args, &type, &data, &error))
-        return UsageError(Find("data set"), error);
+        return UsageError(FindCommand("data set"), error);
     int rc;
     if (!Expect(args, "data set", 2, 2, &rc))
         return rc;
@@ -437,7 +516,7 @@ int RegSet(Args& args, const Options&)
     std::vector<uint8_t> data;
     std::string error;
     if (!TakeValue(args, &type, &data, &error))
-        return UsageError(Find("reg set"), error);
+        return UsageError(FindCommand("reg set"), error);
     int rc;
     if (!Expect(args, "reg set", 2, 2, &rc))
         return rc;
@@ -566,81 +645,14 @@ int DriverAnswers(Args& args, const Options& options)
     return 0;
 }
 
-int DevmodeLayout(Args& args, const Options& options)
-{
-    int rc;
-    if (!Expect(args, "devmode layout", 0, 0, &rc))
-        return rc;
-    static const char* kKinds[] = {"bytes", "signed", "unsigned", "hex", "text", "list", "fixed"};
-    if (options.json) {
-        JsonWriter w;
-        w.BeginObject();
-        w.Number("size", sizeof(DEVMODEEX));
-        w.BeginArray("fields");
-        for (size_t i = 0; i < g_cDevmodeFields; i++) {
-            const DEVMODEEX_FIELD& f = g_DevmodeFields[i];
-            w.BeginObject();
-            w.String("name", f.pszName);
-            w.Number("offset", f.dwOffset);
-            w.Number("size", f.cbSize);
-            w.Number("count", f.cbSize / f.cbElement);
-            w.String("kind", kKinds[f.eKind]);
-            w.EndObject();
-        }
-        w.EndArray();
-        w.EndObject();
-        printf("%s\n", w.Text().c_str());
-        return 0;
-    }
-    printf("DEVMODEEX: %zu bytes, %zu named fields\n", sizeof(DEVMODEEX), g_cDevmodeFields);
-    printf("offset  size  count  kind      name\n");
-    for (size_t i = 0; i < g_cDevmodeFields; i++) {
-        const DEVMODEEX_FIELD& f = g_DevmodeFields[i];
-        printf("%6u %5u %6u  %-9s %s\n", f.dwOffset, f.cbSize, f.cbSize / f.cbElement,
-               kKinds[f.eKind], f.pszName);
-    }
-    return 0;
-}
-
-int DevmodeShow(Args& args, const Options& options)
-{
-    int rc;
-    if (!Expect(args, "devmode show", 1, 1, &rc))
-        return rc;
-    host::PrinterRecord printer;
-    if (!host::GetPrinterRecord(W(args.Rest()[0]), &printer))
-        return Fail("no printer named '" + args.Rest()[0] + "'");
-    if (printer.devMode.empty())
-        return Fail("printer '" + args.Rest()[0] + "' has no stored record");
-    // A stored record of another size is shown within our layout, the rest zero.
-    DEVMODEEX dm;
-    memset(&dm, 0, sizeof(dm));
-    memcpy(&dm, printer.devMode.data(), std::min(printer.devMode.size(), sizeof(dm)));
-    printf("%s", options.json ? (DevmodeAsJson(dm) + "\n").c_str() : DevmodeAsText(dm).c_str());
-    return 0;
-}
-
-int DevmodeNew(Args& args, const Options& options)
-{
-    int rc;
-    if (!Expect(args, "devmode new", 1, 1, &rc))
-        return rc;
-    OpenedPrinter printer(args.Rest()[0]);
-    if (!printer.get())
-        return Fail("no printer named '" + args.Rest()[0] + "'");
-    TVODevMode devmode(printer.get());
-    if (!devmode.m_lpDM)
-        return Fail("out of memory");
-    const DEVMODEEX& dm = *devmode.m_lpDM;
-    printf("%s", options.json ? (DevmodeAsJson(dm) + "\n").c_str() : DevmodeAsText(dm).c_str());
-    return 0;
-}
-
 } // namespace
 
 const Command g_Commands[] = {
-    {"printer add", "NAME --driver DRIVER [--port PORT]", "Adds a queue of the driver.",
-     PrinterAdd},
+    {"printer add", "NAME --driver DRIVER [--port PORT]",
+     "Adds a queue of the driver; installs the driver's resources when they are missing.",
+     PrinterAdd,
+     "DRIVER is the model's driver name, such as \"Tarvo Plan Output System 2440\". The\n"
+     "  resource library comes from $QLMHOST_RESOURCES, else from this build."},
     {"printer remove", "NAME", "Removes a queue and its printer data.", PrinterRemove},
     {"printer list", "[--json]", "Lists the queues.", PrinterList},
     {"port add", "NAME --monitor MONITOR [--description TEXT]",
@@ -655,12 +667,61 @@ const Command g_Commands[] = {
     {"reg delete", "KEY", "Deletes a registry key that has no subkeys.", RegDelete},
     {"driver", "[PRINTER] [--json]", "Loads the driver library and shows its immediate answers.",
      DriverAnswers},
+    {"driver install", "[--resources FILE]",
+     "Installs the resource library QLMRes.DLL where the driver loads it from.", DriverInstall,
+     "The file goes to <printer driver directory>\\3\\QLMRes.DLL under the home directory.\n"
+     "  FILE defaults to $QLMHOST_RESOURCES, else to the QLMRes.DLL of this build."},
+    {"caps", "PRINTER INDEX [--devmode FILE] [--json]",
+     "Asks the driver's DrvDeviceCapabilities as an application does, and decodes the output.",
+     CapsCommand,
+     "INDEX is a number (decimal or 0x hex) or a name, without regard to case and with or\n"
+     "  without DC_: FIELDS PAPERS PAPERSIZE MINEXTENT MAXEXTENT BINS DUPLEX SIZE EXTRA\n"
+     "  VERSION DRIVER BINNAMES ENUMRESOLUTIONS FILEDEPENDENCIES TRUETYPE PAPERNAMES\n"
+     "  ORIENTATION COPIES BINADJUST EMF_COMPLIANT DATATYPE_PRODUCED COLLATE MANUFACTURER\n"
+     "  MODEL PERSONALITY PRINTRATE PRINTRATEUNIT PRINTERMEM MEDIAREADY STAPLE PRINTRATEPPM\n"
+     "  COLORDEVICE NUP MEDIATYPENAMES MEDIATYPES, and AutoCAD's IDSYSPRN (20552) and MMINCH\n"
+     "  (20553).\n"
+     "  For a list index the driver is asked first without a buffer for the count, then with a\n"
+     "  buffer of exactly that many elements; writing past its end is reported as an error.\n"
+     "  Outputs: WORD codes (PAPERS, BINS), POINTs (PAPERSIZE), LONG pairs (ENUMRESOLUTIONS),\n"
+     "  names of 64 characters (PAPERNAMES, FILEDEPENDENCIES, MEDIAREADY, MEDIATYPENAMES), of\n"
+     "  24 (BINNAMES) and of 32 (PERSONALITY), DWORDs (NUP, MEDIATYPES), and the 34-byte text\n"
+     "  of IDSYSPRN, asked with its buffer at once. MINEXTENT and MAXEXTENT answer width (low\n"
+     "  16 bits) and length (high 16 bits), tenths of a millimetre. An answer of -1 means not\n"
+     "  supported.\n"
+     "  --devmode FILE passes a record file as pDevMode (zeros behind a shorter record, since\n"
+     "  the driver reads a record of its own size); otherwise pDevMode is NULL.\n"
+     "  --json prints {\"index\", \"name\", \"result\", \"output\"} (\"output\" absent when "
+     "nothing\n"
+     "  is written; extents add \"width\" and \"length\")."},
     {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
      DevmodeLayout},
     {"devmode new", "PRINTER [--json]",
      "Shows the record a fresh settings object holds for the queue: the defaults, the port test.",
      DevmodeNew},
-    {"devmode show", "PRINTER [--json]", "Shows the queue's stored record field by field.",
-     DevmodeShow},
+    {"devmode show", "PRINTER [--json]",
+     "Shows the queue's stored record (GetPrinter level 2) field by field.", DevmodeShow},
+    {"devmode store", "PRINTER FILE",
+     "Stores a record file as the queue's record (SetPrinter level 2).", DevmodeStore},
+    {"devmode read", "FILE [--json]", "Shows a record file field by field.", DevmodeRead},
+    {"devmode default", "PRINTER [--out FILE] [--json]",
+     "Shows the default record the driver's DrvDocumentProperties gives (DM_OUT_BUFFER).",
+     DevmodeDefault,
+     "The driver is asked for the size first (fMode 0), which must be 13484, then for the\n"
+     "  record into a buffer of that size. --out writes the record's bytes to FILE."},
+    {"devmode convert",
+     "PRINTER --mode convert|convert351|default [--in FILE] [--out-size N] [--out FILE] [--json]",
+     "Calls the driver's DrvConvertDevMode as the spooler does.", DevmodeConvert,
+     "--mode gives fMode: convert (CDM_CONVERT 1), convert351 (CDM_CONVERT351 2), default\n"
+     "  (CDM_DRIVER_DEFAULT 4), or any number. --in FILE is pdmIn (NULL without it).\n"
+     "  --out-size N is the output buffer's size and *pcbNeeded on the way in: 13484 by\n"
+     "  default, 188 for convert351; 0 passes a NULL pdmOut. The buffer is shaped as a record\n"
+     "  of its size, since the conversion fits the input into the output's shape: it holds the\n"
+     "  driver's default record (DrvDocumentProperties) cut to N bytes, declaring dmSize 220\n"
+     "  and dmDriverExtra 13264 when N is 13484 or more, dmSize 220 and dmDriverExtra N - 220\n"
+     "  below that (3252 is the older layout), and dmSize N and no private part when N is 220\n"
+     "  or less. Shown: the BOOL result, *pcbNeeded, the last error (set to 0 before the call;\n"
+     "  after TRUE it is whatever the driver's own calls left) and, when the result is TRUE,\n"
+     "  the output record (\"record\" in --json). --out writes the record's bytes to FILE."},
 };
 const size_t g_cCommands = sizeof(g_Commands) / sizeof(g_Commands[0]);

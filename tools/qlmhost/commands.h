@@ -1,5 +1,8 @@
-// qlmhost's commands: each takes its words after the command name and returns the exit code.
+// qlmhost's commands: each takes its words after the command name and returns the exit code:
+// 0 done, 1 an error (message on standard error), 2 a usage error.
 #pragma once
+
+#include "platform/win32.h"
 
 #include <string>
 #include <vector>
@@ -34,6 +37,7 @@ struct Command
     const char* usage; // "NAME --driver DRIVER [--port PORT]"
     const char* summary;
     int (*run)(Args& args, const Options& options);
+    const char* details = nullptr; // more for --help, or null
 };
 
 extern const Command g_Commands[];
@@ -42,3 +46,40 @@ extern const size_t g_cCommands;
 // Prints "qlmhost: message" to standard error and returns the exit code 1 or 2.
 int Fail(const std::string& message);
 int UsageError(const Command& command, const std::string& message);
+const Command& FindCommand(const char* name);
+// Checks the positional count and that no unknown option is left; prints usage otherwise.
+bool Expect(Args& args, const char* command, size_t minWords, size_t maxWords, int* rc);
+
+std::u16string W(const std::string& s);
+std::string U(const std::u16string& s);
+std::string Win32Error(DWORD code);
+
+// A queue opened with OpenPrinterW, as an application opens it; closed on leaving scope.
+class OpenedPrinter
+{
+public:
+    explicit OpenedPrinter(const std::string& name);
+    ~OpenedPrinter();
+    OpenedPrinter(const OpenedPrinter&) = delete;
+    OpenedPrinter& operator=(const OpenedPrinter&) = delete;
+    HANDLE get() const { return m_handle; }
+    // The name as the spooler hands it to the driver.
+    LPWSTR name() { return m_name.data(); }
+
+private:
+    std::u16string m_name;
+    HANDLE m_handle = nullptr;
+};
+
+// A parsed number with bounds; false for anything else.
+bool ParseNumber(const std::string& text, long long low, long long high, long long* value);
+
+// The commands of the other units.
+int CapsCommand(Args& args, const Options& options);
+int DevmodeLayout(Args& args, const Options& options);
+int DevmodeNew(Args& args, const Options& options);
+int DevmodeShow(Args& args, const Options& options);
+int DevmodeDefault(Args& args, const Options& options);
+int DevmodeConvert(Args& args, const Options& options);
+int DevmodeRead(Args& args, const Options& options);
+int DevmodeStore(Args& args, const Options& options);

@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+
 DriverLibrary::~DriverLibrary()
 {
     if (!m_handle)
@@ -33,4 +35,27 @@ bool DriverLibrary::Load(const std::string& path, std::string* error)
 void* DriverLibrary::Export(const char* name) const
 {
     return m_handle ? dlsym(m_handle, name) : nullptr;
+}
+
+GuardedBuffer::GuardedBuffer(size_t cb) : m_cb(cb), m_bytes(cb + kGuard, 0)
+{
+    std::fill(m_bytes.begin() + cb, m_bytes.end(), kGuardByte);
+}
+
+size_t GuardedBuffer::Overrun() const
+{
+    for (size_t i = m_bytes.size(); i > m_cb; i--)
+        if (m_bytes[i - 1] != kGuardByte)
+            return i - m_cb;
+    return 0;
+}
+
+std::string OverrunMessage(const GuardedBuffer& buffer, const std::string& what)
+{
+    size_t overrun = buffer.Overrun();
+    if (!overrun)
+        return std::string();
+    return "the driver wrote " + std::to_string(overrun) + " byte" + (overrun == 1 ? "" : "s") +
+           " past the end of the " + std::to_string(buffer.size()) +
+           "-byte buffer it was given for " + what;
 }

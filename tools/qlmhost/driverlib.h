@@ -5,6 +5,7 @@
 #include "platform/win32.h"
 
 #include <string>
+#include <vector>
 
 class DriverLibrary
 {
@@ -21,3 +22,28 @@ public:
 private:
     void* m_handle = nullptr;
 };
+
+// A caller's buffer of exactly the size asked, zeroed, with guard bytes behind it: a driver
+// that writes past the end it was given is caught, and the tool's memory stays whole as long
+// as the overrun stays within the guard.
+class GuardedBuffer
+{
+public:
+    explicit GuardedBuffer(size_t cb);
+    BYTE* data() { return m_bytes.data(); }
+    const BYTE* data() const { return m_bytes.data(); }
+    size_t size() const { return m_cb; }
+    // How far past the end the driver wrote: the distance to the last guard byte changed, 0
+    // when the guard is whole.
+    size_t Overrun() const;
+
+private:
+    static constexpr size_t kGuard = 4096;
+    static constexpr BYTE kGuardByte = 0xFD;
+    size_t m_cb;
+    std::vector<BYTE> m_bytes;
+};
+
+// "the driver wrote N bytes past the end of the B-byte buffer it was given for WHAT", or
+// empty when the guard is whole.
+std::string OverrunMessage(const GuardedBuffer& buffer, const std::string& what);

@@ -23,6 +23,13 @@ void PrintHelp()
                g_Commands[i].summary);
 }
 
+// A command line that cannot be read: exit code 2, as for a command's own usage errors.
+int GlobalUsageError(const std::string& message)
+{
+    fprintf(stderr, "qlmhost: %s (see qlmhost --help)\n", message.c_str());
+    return 2;
+}
+
 bool IsHelp(const std::string& word)
 {
     return word == "--help" || word == "-h" || word == "help";
@@ -57,30 +64,16 @@ int main(int argc, char** argv)
         else if (w == "--us")
             metric = 0;
         else
-            return Fail("unknown global option " + w + " (see qlmhost --help)");
+            return GlobalUsageError(hasValue || w == "--metric" || w == "--us"
+                                        ? "unknown global option " + w
+                                        : "unknown global option " + w + ", or it lacks its value");
     }
+    long long major = 0;
+    if (!osMajor.empty() && !ParseNumber(osMajor, 0, 0xFFFFFFFFll, &major))
+        return GlobalUsageError("--os-major takes a number, not '" + osMajor + "'");
     if (i == words.size() || IsHelp(words[i])) {
         PrintHelp();
         return i == words.size() ? 2 : 0;
-    }
-
-    if (!home.empty())
-        host::SetHomeDirectory(home);
-    std::string error;
-    if (!host::OpenStore(host::HomeDirectory() + "/store.db", &error))
-        return Fail(error);
-    if (!user.empty())
-        host::SetUserName(host::Utf8ToUtf16(user));
-    if (metric >= 0)
-        host::SetMetric(metric == 1);
-    if (!osMajor.empty()) {
-        char* end = nullptr;
-        long major = strtol(osMajor.c_str(), &end, 10);
-        if (*end || major < 0)
-            return Fail("--os-major takes a number, not '" + osMajor + "'");
-        DWORD oldMajor, minor, build;
-        host::GetSystemVersion(&oldMajor, &minor, &build);
-        host::SetSystemVersion(static_cast<DWORD>(major), minor, build);
     }
 
     // The longest command name that the words begin with: "printer add" before "printer".
@@ -103,13 +96,31 @@ int main(int argc, char** argv)
         }
     }
     if (!command)
-        return Fail("unknown command '" + words[i] + "' (see qlmhost --help)");
+        return GlobalUsageError("unknown command '" + words[i] + "'");
 
     Args args(std::vector<std::string>(words.begin() + i + used, words.end()));
     if (args.Flag("--help") || args.Flag("-h")) {
         printf("usage: qlmhost %s %s\n  %s\n", command->name, command->usage, command->summary);
+        if (command->details)
+            printf("  %s\n", command->details);
         return 0;
     }
+    // Help leaves no trace: the store is opened only for a command that runs.
+    if (!home.empty())
+        host::SetHomeDirectory(home);
+    std::string error;
+    if (!host::OpenStore(host::HomeDirectory() + "/store.db", &error))
+        return Fail(error);
+    if (!user.empty())
+        host::SetUserName(host::Utf8ToUtf16(user));
+    if (metric >= 0)
+        host::SetMetric(metric == 1);
+    if (!osMajor.empty()) {
+        DWORD oldMajor, minor, build;
+        host::GetSystemVersion(&oldMajor, &minor, &build);
+        host::SetSystemVersion(static_cast<DWORD>(major), minor, build);
+    }
+
     options.json = args.Flag("--json");
     int rc = command->run(args, options);
     host::CloseStore();

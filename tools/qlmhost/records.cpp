@@ -4,35 +4,105 @@
 
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 
-std::string JsonQuote(const std::string& text)
+namespace {
+
+// A record is at most two 16-bit sizes long; a file far beyond that is not a record.
+constexpr size_t kMaxRecordFile = 1 << 20;
+
+bool IsHighSurrogate(char16_t c)
+{
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+
+bool IsLowSurrogate(char16_t c)
+{
+    return c >= 0xDC00 && c <= 0xDFFF;
+}
+
+void AppendUtf8(std::string& out, char32_t c)
+{
+    if (c < 0x80) {
+        out += char(c);
+    } else if (c < 0x800) {
+        out += char(0xC0 | c >> 6);
+        out += char(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        out += char(0xE0 | c >> 12);
+        out += char(0x80 | (c >> 6 & 0x3F));
+        out += char(0x80 | (c & 0x3F));
+    } else {
+        out += char(0xF0 | c >> 18);
+        out += char(0x80 | (c >> 12 & 0x3F));
+        out += char(0x80 | (c >> 6 & 0x3F));
+        out += char(0x80 | (c & 0x3F));
+    }
+}
+
+std::string Hex4(unsigned value)
+{
+    char buf[8];
+    snprintf(buf, sizeof(buf), "\\u%04x", value & 0xFFFF);
+    return buf;
+}
+
+} // namespace
+
+std::string JsonQuote(const std::u16string& text)
 {
     std::string out = "\"";
-    for (unsigned char c : text) {
+    for (char16_t c : text) {
         switch (c) {
-        case '"':
+        case u'"':
             out += "\\\"";
             break;
-        case '\\':
+        case u'\\':
             out += "\\\\";
             break;
-        case '\n':
+        case u'\n':
             out += "\\n";
             break;
-        case '\r':
+        case u'\r':
             out += "\\r";
             break;
-        case '\t':
+        case u'\t':
             out += "\\t";
             break;
         default:
-            if (c < 0x20) {
-                char buf[8];
-                snprintf(buf, sizeof(buf), "\\u%04x", c);
-                out += buf;
-            } else {
-                out += static_cast<char>(c);
-            }
+            if (c < 0x20 || c >= 0x7F)
+                out += Hex4(c);
+            else
+                out += char(c);
+        }
+    }
+    return out + "\"";
+}
+
+std::string JsonQuote(const std::string& utf8)
+{
+    return JsonQuote(host::Utf8ToUtf16(utf8));
+}
+
+std::string TextQuote(const std::u16string& text)
+{
+    std::string out = "\"";
+    for (size_t i = 0; i < text.size(); i++) {
+        char16_t c = text[i];
+        if (c == u'"' || c == u'\\') {
+            out += '\\';
+            out += char(c);
+        } else if (c < 0x20 || c == 0x7F) {
+            char buf[8];
+            snprintf(buf, sizeof(buf), "\\x%02x", unsigned(c));
+            out += buf;
+        } else if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+            AppendUtf8(out, 0x10000 + ((char32_t(c) - 0xD800) << 10) + (text[i + 1] - 0xDC00));
+            i++;
+        } else if (IsHighSurrogate(c) || IsLowSurrogate(c)) {
+            out += Hex4(c);
+        } else {
+            AppendUtf8(out, c);
         }
     }
     return out + "\"";
@@ -46,7 +116,7 @@ void JsonWriter::Key(const char* key)
         m_first.back() = false;
     }
     if (key)
-        m_text += JsonQuote(key) + ": ";
+        m_text += JsonQuote(std::string(key)) + ": ";
 }
 
 void JsonWriter::BeginObject(const char* key)
@@ -81,10 +151,16 @@ void JsonWriter::Number(const char* key, long long value)
     m_text += std::to_string(value);
 }
 
-void JsonWriter::String(const char* key, const std::string& value)
+void JsonWriter::String(const char* key, const std::string& utf8)
 {
     Key(key);
-    m_text += JsonQuote(value);
+    m_text += JsonQuote(utf8);
+}
+
+void JsonWriter::String(const char* key, const std::u16string& text)
+{
+    Key(key);
+    m_text += JsonQuote(text);
 }
 
 void JsonWriter::Literal(const char* key, const std::string& text)
@@ -97,6 +173,42 @@ void JsonWriter::Bool(const char* key, bool value)
 {
     Key(key);
     m_text += value ? "true" : "false";
+}
+
+void JsonWriter::Null(const char* key)
+{
+    Key(key);
+    m_text += "null";
+}
+
+std::u16string BoundedText(const BYTE* p, size_t cch)
+{
+    std::u16string text;
+    for (size_t i = 0; i < cch; i++) {
+        char16_t c;
+        memcpy(&c, p + 2 * i, 2);
+        if (!c)
+            break;
+        text += c;
+    }
+    return text;
+}
+
+std::string FixedText(long long thousandths)
+{
+    unsigned long long magnitude =
+        thousandths < 0 ? 0ull - (unsigned long long)thousandths : (unsigned long long)thousandths;
+    std::string text = (thousandths < 0 ? "-" : "") + std::to_string(magnitude / 1000);
+    unsigned fraction = unsigned(magnitude % 1000);
+    if (fraction) {
+        char buf[8];
+        snprintf(buf, sizeof(buf), ".%03u", fraction);
+        std::string digits = buf;
+        while (digits.back() == '0')
+            digits.pop_back();
+        text += digits;
+    }
+    return text;
 }
 
 namespace {
@@ -115,40 +227,23 @@ long long Element(const BYTE* p, const DEVMODEEX_FIELD& field, DWORD index)
     }
     uint32_t d;
     memcpy(&d, e, 4);
-    return bSigned ? static_cast<int32_t>(d) : d;
-}
-
-// Text of a WCHAR field, ending at its NUL or at the field's end.
-std::string FieldText(const WCHAR* p, size_t cch)
-{
-    std::u16string text;
-    for (size_t i = 0; i < cch && p[i]; i++)
-        text += p[i];
-    return host::Utf16ToUtf8(text);
+    // Each arm widened on its own: a ternary of int32_t and uint32_t would be unsigned.
+    return bSigned ? static_cast<long long>(static_cast<int32_t>(d)) : static_cast<long long>(d);
 }
 
 // The names of a list field: NUL-terminated names up to an empty one or the field's end.
-std::vector<std::string> FieldList(const WCHAR* p, size_t cch)
+std::vector<std::u16string> BoundedList(const BYTE* p, size_t cch)
 {
-    std::vector<std::string> names;
+    std::vector<std::u16string> names;
     size_t i = 0;
-    while (i < cch && p[i]) {
-        size_t start = i;
-        while (i < cch && p[i])
-            i++;
-        names.push_back(FieldText(p + start, i - start));
-        i++;
+    while (i < cch) {
+        std::u16string name = BoundedText(p + 2 * i, cch - i);
+        if (name.empty())
+            break;
+        i += name.size() + 1;
+        names.push_back(std::move(name));
     }
     return names;
-}
-
-std::string FixedText(long long thousandths)
-{
-    char buf[32];
-    snprintf(buf, sizeof(buf), "%s%lld.%03lld", thousandths < 0 ? "-" : "",
-             (thousandths < 0 ? -thousandths : thousandths) / 1000,
-             (thousandths < 0 ? -thousandths : thousandths) % 1000);
-    return buf;
 }
 
 std::string ElementText(const BYTE* p, const DEVMODEEX_FIELD& field, DWORD index)
@@ -157,7 +252,7 @@ std::string ElementText(const BYTE* p, const DEVMODEEX_FIELD& field, DWORD index
     if (field.eKind == kDMF_FIXED)
         return FixedText(value);
     if (field.eKind == kDMF_HEX) {
-        char buf[16];
+        char buf[24];
         snprintf(buf, sizeof(buf), "0x%0*llX", (int)field.cbElement * 2, value);
         return buf;
     }
@@ -175,27 +270,132 @@ std::string HexBytes(const BYTE* p, DWORD cb)
     return hex;
 }
 
-} // namespace
-
-std::string DevmodeAsText(const DEVMODEEX& dm)
+// The finisher's programs that are both counted and within the cb bytes at hand.
+DWORD ProgramsShown(const BYTE* info, size_t cb)
 {
-    const BYTE* base = reinterpret_cast<const BYTE*>(&dm);
-    std::string out;
-    for (size_t i = 0; i < g_cDevmodeFields; i++) {
-        const DEVMODEEX_FIELD& field = g_DevmodeFields[i];
+    constexpr size_t kCount = offsetof(TVOFinisherInfo, numPrograms);
+    if (cb < kCount + sizeof(DWORD))
+        return 0;
+    DWORD count;
+    memcpy(&count, info + kCount, sizeof(count));
+    if (count > kFINISHER_MAX_PROGRAMS)
+        count = kFINISHER_MAX_PROGRAMS;
+    size_t room = cb < offsetof(TVOFinisherInfo, programs)
+                      ? 0
+                      : (cb - offsetof(TVOFinisherInfo, programs)) / sizeof(TVOFinisherProgram);
+    return count < room ? count : DWORD(room);
+}
+
+void FieldsToJson(JsonWriter& json, const DEVMODEEX_FIELD* fields, size_t cFields, const BYTE* base,
+                  size_t cb);
+
+void FinisherToJson(JsonWriter& json, const char* key, const BYTE* info, size_t cb)
+{
+    if (cb > sizeof(TVOFinisherInfo))
+        cb = sizeof(TVOFinisherInfo);
+    json.BeginObject(key);
+    FieldsToJson(json, g_FinisherInfoFields, g_cFinisherInfoFields, info, cb);
+    if (cb >= offsetof(TVOFinisherInfo, programs)) {
+        json.BeginArray("programs");
+        DWORD shown = ProgramsShown(info, cb);
+        for (DWORD i = 0; i < shown; i++) {
+            json.BeginObject();
+            FieldsToJson(json, g_FinisherProgramFields, g_cFinisherProgramFields,
+                         info + offsetof(TVOFinisherInfo, programs) +
+                             i * sizeof(TVOFinisherProgram),
+                         sizeof(TVOFinisherProgram));
+            json.EndObject();
+        }
+        json.EndArray();
+    }
+    json.EndObject();
+}
+
+void FieldsToJson(JsonWriter& json, const DEVMODEEX_FIELD* fields, size_t cFields, const BYTE* base,
+                  size_t cb)
+{
+    for (size_t i = 0; i < cFields; i++) {
+        const DEVMODEEX_FIELD& field = fields[i];
         const BYTE* p = base + field.dwOffset;
-        const WCHAR* w = reinterpret_cast<const WCHAR*>(p);
+        if (field.eKind == kDMF_FINISHER) {
+            if (field.dwOffset < cb)
+                FinisherToJson(json, field.pszName, p, cb - field.dwOffset);
+            continue;
+        }
+        if (size_t(field.dwOffset) + field.cbSize > cb)
+            continue;
+        DWORD count = field.cbSize / field.cbElement;
+        switch (field.eKind) {
+        case kDMF_TEXT:
+            json.String(field.pszName, BoundedText(p, field.cbSize / 2));
+            break;
+        case kDMF_LIST:
+            json.BeginArray(field.pszName);
+            for (const std::u16string& name : BoundedList(p, field.cbSize / 2))
+                json.String(nullptr, name);
+            json.EndArray();
+            break;
+        case kDMF_BYTES:
+            json.String(field.pszName, HexBytes(p, field.cbSize));
+            break;
+        default:
+            // Distances in their unit: thousandths 200 are 0.2.
+            if (count != 1)
+                json.BeginArray(field.pszName);
+            for (DWORD e = 0; e < count; e++) {
+                const char* key = count == 1 ? field.pszName : nullptr;
+                if (field.eKind == kDMF_FIXED)
+                    json.Literal(key, FixedText(Element(p, field, e)));
+                else
+                    json.Number(key, Element(p, field, e));
+            }
+            if (count != 1)
+                json.EndArray();
+        }
+    }
+}
+
+void FieldsToText(std::string& out, const std::string& prefix, const DEVMODEEX_FIELD* fields,
+                  size_t cFields, const BYTE* base, size_t cb, size_t baseOffset);
+
+void FinisherToText(std::string& out, const std::string& name, const BYTE* info, size_t cb,
+                    size_t offset)
+{
+    if (cb > sizeof(TVOFinisherInfo))
+        cb = sizeof(TVOFinisherInfo);
+    FieldsToText(out, name + ".", g_FinisherInfoFields, g_cFinisherInfoFields, info, cb, offset);
+    DWORD shown = ProgramsShown(info, cb);
+    for (DWORD i = 0; i < shown; i++) {
+        size_t at = offsetof(TVOFinisherInfo, programs) + i * sizeof(TVOFinisherProgram);
+        FieldsToText(out, name + ".programs[" + std::to_string(i) + "].", g_FinisherProgramFields,
+                     g_cFinisherProgramFields, info + at, sizeof(TVOFinisherProgram), offset + at);
+    }
+}
+
+void FieldsToText(std::string& out, const std::string& prefix, const DEVMODEEX_FIELD* fields,
+                  size_t cFields, const BYTE* base, size_t cb, size_t baseOffset)
+{
+    for (size_t i = 0; i < cFields; i++) {
+        const DEVMODEEX_FIELD& field = fields[i];
+        const BYTE* p = base + field.dwOffset;
+        if (field.eKind == kDMF_FINISHER) {
+            if (field.dwOffset < cb)
+                FinisherToText(out, prefix + field.pszName, p, cb - field.dwOffset,
+                               baseOffset + field.dwOffset);
+            continue;
+        }
+        if (size_t(field.dwOffset) + field.cbSize > cb)
+            continue;
         std::string value;
         switch (field.eKind) {
         case kDMF_TEXT:
-            value = "\"" + FieldText(w, field.cbSize / 2) + "\"";
+            value = TextQuote(BoundedText(p, field.cbSize / 2));
             break;
-        case kDMF_LIST: {
-            for (const std::string& name : FieldList(w, field.cbSize / 2))
-                value += (value.empty() ? "" : ", ") + name;
+        case kDMF_LIST:
+            for (const std::u16string& name : BoundedList(p, field.cbSize / 2))
+                value += (value.empty() ? "" : ", ") + TextQuote(name);
             value = "[" + value + "]";
             break;
-        }
         case kDMF_BYTES: {
             DWORD nonzero = 0;
             for (DWORD b = 0; b < field.cbSize; b++)
@@ -211,58 +411,120 @@ std::string DevmodeAsText(const DEVMODEEX& dm)
                 value += ElementText(p, field, e);
             }
         }
-        char line[64];
-        snprintf(line, sizeof(line), "%5u  %-24s ", field.dwOffset, field.pszName);
-        out += line + value + "\n";
+        char line[32];
+        snprintf(line, sizeof(line), "%5zu  ", baseOffset + field.dwOffset);
+        std::string name = prefix + field.pszName;
+        if (name.size() < 24)
+            name.resize(24, ' ');
+        out += line + name + " " + value + "\n";
     }
+}
+
+} // namespace
+
+std::string RecordAsText(const BYTE* record, size_t cb)
+{
+    std::string out;
+    FieldsToText(out, "", g_DevmodeFields, g_cDevmodeFields, record, cb, 0);
     return out;
 }
 
-std::string DevmodeAsJson(const DEVMODEEX& dm)
+void RecordToJson(JsonWriter& json, const char* key, const BYTE* record, size_t cb)
 {
-    const BYTE* base = reinterpret_cast<const BYTE*>(&dm);
+    json.BeginObject(key);
+    FieldsToJson(json, g_DevmodeFields, g_cDevmodeFields, record, cb);
+    json.EndObject();
+}
+
+std::string RecordAsJson(const BYTE* record, size_t cb)
+{
     JsonWriter json;
-    json.BeginObject();
-    for (size_t i = 0; i < g_cDevmodeFields; i++) {
-        const DEVMODEEX_FIELD& field = g_DevmodeFields[i];
-        const BYTE* p = base + field.dwOffset;
-        const WCHAR* w = reinterpret_cast<const WCHAR*>(p);
-        DWORD count = field.cbSize / field.cbElement;
-        switch (field.eKind) {
-        case kDMF_TEXT:
-            json.String(field.pszName, FieldText(w, field.cbSize / 2));
-            break;
-        case kDMF_LIST:
-            json.BeginArray(field.pszName);
-            for (const std::string& name : FieldList(w, field.cbSize / 2))
-                json.String(nullptr, name);
-            json.EndArray();
-            break;
-        case kDMF_BYTES:
-            json.String(field.pszName, HexBytes(p, field.cbSize));
-            break;
-        case kDMF_FIXED:
-            // Thousandths as a decimal number: 0.2 is 0.200.
-            if (count == 1) {
-                json.Literal(field.pszName, FixedText(Element(p, field, 0)));
-            } else {
-                json.BeginArray(field.pszName);
-                for (DWORD e = 0; e < count; e++)
-                    json.Literal(nullptr, FixedText(Element(p, field, e)));
-                json.EndArray();
-            }
-            break;
-        default:
-            if (count == 1) {
-                json.Number(field.pszName, Element(p, field, 0));
-            } else {
-                json.BeginArray(field.pszName);
-                for (DWORD e = 0; e < count; e++)
-                    json.Number(nullptr, Element(p, field, e));
-                json.EndArray();
-            }
+    RecordToJson(json, nullptr, record, cb);
+    return json.Text();
+}
+
+const char* RecordKindText(const BYTE* record, size_t cb)
+{
+    // The identity test reads as far as the signature: give it a copy that reaches that far.
+    std::vector<BYTE> copy(record, record + cb);
+    if (copy.size() < sizeof(DEVMODEEX))
+        copy.resize(sizeof(DEVMODEEX), 0);
+    switch (GetDevmodeKind(reinterpret_cast<const DEVMODEW*>(copy.data()))) {
+    case kDM_OWN_CURRENT:
+        return "this driver's current layout";
+    case kDM_OWN_OLDER:
+        return "this driver's older layout";
+    case kDM_OWN_FOREIGN_PUBLIC:
+        return "this driver's private part behind a public part of another size";
+    case kDM_OLDER_FOREIGN_PUBLIC:
+        return "this driver's older private part behind a public part of another size";
+    default:
+        return "not a record of this driver";
+    }
+}
+
+size_t DeclaredRecordSize(const BYTE* record, size_t cb)
+{
+    constexpr size_t kSize = offsetof(DEVMODEW, dmSize);
+    static_assert(offsetof(DEVMODEW, dmDriverExtra) == kSize + 2, "the two sizes are adjacent");
+    if (cb < kSize + 4)
+        return 0;
+    WORD size, extra;
+    memcpy(&size, record + kSize, 2);
+    memcpy(&extra, record + kSize + 2, 2);
+    return size_t(size) + extra;
+}
+
+bool ReadRecordFile(const std::string& path, std::vector<uint8_t>* bytes, std::string* error)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        *error = "cannot read the record file " + path;
+        return false;
+    }
+    bytes->clear();
+    char buf[65536];
+    while (file.read(buf, sizeof(buf)) || file.gcount() > 0) {
+        bytes->insert(bytes->end(), buf, buf + file.gcount());
+        if (bytes->size() > kMaxRecordFile) {
+            *error = path + " is larger than any settings record (over " +
+                     std::to_string(kMaxRecordFile) + " bytes)";
+            return false;
         }
     }
-    json.EndObject();
-    return json.Text();
+    if (file.bad()) {
+        *error = "cannot read the record file " + path;
+        return false;
+    }
+    if (bytes->size() < sizeof(DEVMODEW)) {
+        *error = path + " holds " + std::to_string(bytes->size()) +
+                 " bytes, fewer than the 220 of a record's public part: not a settings record";
+        return false;
+    }
+    size_t declared = DeclaredRecordSize(bytes->data(), bytes->size());
+    if (bytes->size() < declared) {
+        WORD size, extra;
+        memcpy(&size, bytes->data() + offsetof(DEVMODEW, dmSize), 2);
+        memcpy(&extra, bytes->data() + offsetof(DEVMODEW, dmDriverExtra), 2);
+        *error = path + " holds " + std::to_string(bytes->size()) + " bytes, but its dmSize " +
+                 std::to_string(size) + " and dmDriverExtra " + std::to_string(extra) +
+                 " declare " + std::to_string(declared) +
+                 ": the record is truncated, or not a settings record";
+        return false;
+    }
+    return true;
+}
+
+bool WriteFileBytes(const std::string& path, const void* data, size_t cb, std::string* error)
+{
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    if (file)
+        file.write(static_cast<const char*>(data), std::streamsize(cb));
+    if (file)
+        file.close();
+    if (!file) {
+        *error = "cannot write " + path;
+        return false;
+    }
+    return true;
 }
