@@ -153,6 +153,8 @@ HANDLE WINAPI CreateFileW(LPCWSTR lpFileName, DWORD dwDesiredAccess, DWORD dwSha
     return handle;
 }
 
+} // extern "C"
+
 namespace {
 
 // The checks ReadFile and WriteFile share: a file handle opened for the direction, no
@@ -178,6 +180,8 @@ std::shared_ptr<FileObject> OpenForTransfer(HANDLE hFile, bool write, LPCVOID lp
 }
 
 } // namespace
+
+extern "C" {
 
 // TRUE with all bytes written. A handle without write access gives ERROR_ACCESS_DENIED; a
 // null buffer with a non-zero count ERROR_NOACCESS. Overlapped writes are not supported.
