@@ -10,6 +10,10 @@ namespace {
 struct Table
 {
     std::unordered_map<uintptr_t, std::shared_ptr<HandleObject>> objects;
+    // The handle found last, as the driver uses one printer handle for a hundred calls in a
+    // row; cleared when that handle is closed.
+    uintptr_t lastValue = 0;
+    HandleObject* lastObject = nullptr;
     // Counts up from well above the fixed desktop window (0x10010); the predefined HKEYs lie
     // near 2^64 - 2^31, out of reach.
     uintptr_t next = 0x100000;
@@ -33,6 +37,25 @@ void* AddHandle(std::shared_ptr<HandleObject> object)
     return reinterpret_cast<void*>(value);
 }
 
+HandleObject* PeekHandle(const void* handle, HandleKind kind)
+{
+    Table& t = TheTable();
+    auto value = reinterpret_cast<uintptr_t>(handle);
+    HandleObject* object = nullptr;
+    if (value && value == t.lastValue) {
+        object = t.lastObject;
+    } else {
+        auto it = t.objects.find(value);
+        if (it == t.objects.end()) {
+            return nullptr;
+        }
+        object = it->second.get();
+        t.lastValue = value;
+        t.lastObject = object;
+    }
+    return object->kind == kind ? object : nullptr;
+}
+
 std::shared_ptr<HandleObject> FindHandle(const void* handle, HandleKind kind)
 {
     Lock lock(StateMutex());
@@ -54,6 +77,10 @@ std::shared_ptr<HandleObject> RemoveHandle(const void* handle, HandleKind kind)
     }
     auto object = std::move(it->second);
     t.objects.erase(it);
+    if (t.lastValue == reinterpret_cast<uintptr_t>(handle)) {
+        t.lastValue = 0;
+        t.lastObject = nullptr;
+    }
     return object;
 }
 

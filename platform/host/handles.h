@@ -29,12 +29,20 @@ struct HandleObject
 void* AddHandle(std::shared_ptr<HandleObject> object);
 // The object of a live handle of that kind, or null.
 std::shared_ptr<HandleObject> FindHandle(const void* handle, HandleKind kind);
+// The same without a reference of its own, for the hot read paths: the caller holds
+// StateMutex() for as long as it uses the object, so that no one can close the handle meanwhile.
+HandleObject* PeekHandle(const void* handle, HandleKind kind);
 // Takes the handle out of the table; null when it is not a live handle of that kind.
 std::shared_ptr<HandleObject> RemoveHandle(const void* handle, HandleKind kind);
 
 template <typename T> std::shared_ptr<T> Find(const void* handle)
 {
     return std::static_pointer_cast<T>(FindHandle(handle, T::kKind));
+}
+
+template <typename T> T* Peek(const void* handle)
+{
+    return static_cast<T*>(PeekHandle(handle, T::kKind));
 }
 
 } // namespace host::detail

@@ -75,6 +75,7 @@ struct DataValue
 bool SetPrinterData(const std::u16string& printer, const DataValue& value);
 bool GetPrinterData(const std::u16string& printer, const std::u16string& key,
                     const std::u16string& name, DataValue* value);
+// In the order of key and then name, compared without case.
 std::vector<DataValue> ListPrinterData(const std::u16string& printer);
 
 // ---- Registry -----------------------------------------------------------------------------

@@ -6,8 +6,10 @@
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 namespace host::detail {
 
@@ -56,6 +58,87 @@ inline bool EqualNoCase(const std::u16string& a, const std::u16string& b)
     }
     return true;
 }
+
+// Folds four characters held in one word at once: a lane below 0x8000 that lies within 'A'..'Z'
+// gets 32 added; the lanes cannot carry into each other.
+inline uint64_t FoldWord(uint64_t w)
+{
+    constexpr uint64_t kHigh = 0x8000800080008000ull, kLanes = 0x0001000100010001ull;
+    uint64_t low = w & ~kHigh;
+    uint64_t atLeastA = (low + (0x8000 - u'A') * kLanes) & kHigh;
+    uint64_t aboveZ = (low + (0x8000 - u'Z' - 1) * kLanes) & kHigh;
+    return w + ((atLeastA & ~aboveZ & ~w) >> 10); // bit 15 of a lane down to bit 5: 32
+}
+
+// Folds text into out (when given, with room for text.size()) and returns a hash of the folded
+// text, four characters a step: the driver makes a hundred look-ups per call, and a look-up
+// that folds and hashes a character at a time costs as much as the rest of it. The words'
+// products do not wait for each other; their position keeps "abcdefgh" apart from "efghabcd".
+inline uint64_t FoldAndHash(std::u16string_view text, char16_t* out, uint64_t seed)
+{
+    constexpr uint64_t kMultiplier = 0xff51afd7ed558ccdull, kPosition = 0x9E3779B97F4A7C15ull;
+    const size_t size = text.size();
+    uint64_t sum = 0, position = 0;
+    auto step = [&](size_t at, uint64_t w) {
+        w = FoldWord(w);
+        if (out) {
+            std::memcpy(out + at, &w, sizeof w);
+        }
+        sum += (w ^ position) * kMultiplier;
+        position += kPosition;
+    };
+    uint64_t w = 0;
+    if (size >= 4) {
+        size_t i = 0;
+        for (; i + 4 <= size; i += 4) {
+            std::memcpy(&w, text.data() + i, sizeof w);
+            step(i, w);
+        }
+        if (i < size) { // the last four characters, overlapping what is folded already
+            std::memcpy(&w, text.data() + size - 4, sizeof w);
+            step(size - 4, w);
+        }
+    } else if (size) {
+        for (size_t j = 0; j < size; ++j) {
+            w |= uint64_t(text[j]) << (16 * j);
+        }
+        w = FoldWord(w);
+        for (size_t j = 0; out && j < size; ++j) {
+            out[j] = char16_t(w >> (16 * j));
+        }
+        sum = w * kMultiplier;
+    }
+    uint64_t h = (seed ^ sum ^ size) * kMultiplier;
+    return h ^ (h >> 32);
+}
+
+// A folded copy of a text and its hash for a look-up, on the stack when it is short (as names
+// are), so that the hot read paths allocate nothing. seed chains the hashes of several texts.
+class FoldedText
+{
+public:
+    FoldedText(std::u16string_view text, uint64_t seed)
+    {
+        char16_t* out = small_;
+        if (text.size() > kSmall) {
+            large_.reset(new char16_t[text.size()]);
+            out = large_.get();
+        }
+        hash_ = FoldAndHash(text, out, seed);
+        view_ = std::u16string_view(out, text.size());
+    }
+    FoldedText(const FoldedText&) = delete;
+    FoldedText& operator=(const FoldedText&) = delete;
+    std::u16string_view view() const { return view_; }
+    uint64_t hash() const { return hash_; }
+
+private:
+    static constexpr size_t kSmall = 64;
+    char16_t small_[kSmall];
+    std::unique_ptr<char16_t[]> large_;
+    std::u16string_view view_;
+    uint64_t hash_ = 0;
+};
 
 // Copies text and its terminator; the caller has checked the room.
 inline void PutW(WCHAR* dst, const std::u16string& text)

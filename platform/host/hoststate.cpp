@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <tuple>
 
 namespace host {
 
@@ -261,7 +262,7 @@ bool GetPrinterData(const std::u16string& printer, const std::u16string& key,
     if (!row) {
         return false;
     }
-    auto it = model->printerData.find(std::make_tuple(row->id, Fold(key), Fold(name)));
+    auto it = model->printerData.find(detail::PrinterDataKey{row->id, Fold(key), Fold(name)});
     if (it == model->printerData.end()) {
         return false;
     }
@@ -280,9 +281,19 @@ std::vector<DataValue> ListPrinterData(const std::u16string& printer)
     if (!row) {
         return list;
     }
-    for (auto it = model->printerData.lower_bound(std::make_tuple(row->id, u"", u""));
-         it != model->printerData.end() && it->second.printer == row->id; ++it) {
-        list.push_back({it->second.key, it->second.name, it->second.type, it->second.data});
+    // Sorted by folded key and name, so that a listing does not depend on the hashing.
+    std::vector<const std::pair<const detail::PrinterDataKey, detail::PrinterDataRow>*> rows;
+    for (const auto& entry : model->printerData) {
+        if (entry.first.printer == row->id) {
+            rows.push_back(&entry);
+        }
+    }
+    std::sort(rows.begin(), rows.end(), [](const auto* a, const auto* b) {
+        return std::tie(a->first.key, a->first.name) < std::tie(b->first.key, b->first.name);
+    });
+    for (const auto* entry : rows) {
+        const detail::PrinterDataRow& v = entry->second;
+        list.push_back({v.key, v.name, v.type, v.data});
     }
     return list;
 }

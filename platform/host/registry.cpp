@@ -62,7 +62,7 @@ LSTATUS Resolve(HKEY hKey, KeyRef* ref)
     if (PredefinedHive(hKey, &ref->hive)) {
         return ERROR_SUCCESS;
     }
-    auto key = Find<KeyObject>(hKey);
+    const auto* key = Peek<KeyObject>(hKey); // every caller holds the state lock
     if (!key || key->generation != Store::Instance().Generation()) {
         return ERROR_INVALID_HANDLE;
     }

@@ -27,9 +27,10 @@ struct PrinterObject : HandleObject
     const uint64_t generation;
 };
 
-std::shared_ptr<PrinterObject> PrinterHandle(HANDLE hPrinter)
+// The caller holds StateMutex() while it uses the object.
+const PrinterObject* PrinterHandle(HANDLE hPrinter)
 {
-    auto printer = Find<PrinterObject>(hPrinter);
+    const auto* printer = Peek<PrinterObject>(hPrinter);
     if (!printer || printer->generation != Store::Instance().Generation()) {
         return nullptr;
     }
@@ -39,9 +40,8 @@ std::shared_ptr<PrinterObject> PrinterHandle(HANDLE hPrinter)
 // The queue of a printer handle in the current copy: ERROR_INVALID_HANDLE for a bad handle,
 // ERROR_INVALID_PRINTER_NAME when the queue has been removed since it was opened.
 // The row stays valid until the next Read or Write of the store.
-DWORD QueueOf(HANDLE hPrinter, const Model** model, const PrinterRow** row)
+DWORD QueueOf(const PrinterObject* handle, const Model** model, const PrinterRow** row)
 {
-    auto handle = PrinterHandle(hPrinter);
     if (!handle) {
         return ERROR_INVALID_HANDLE;
     }
@@ -157,11 +157,13 @@ void FillLevel2(const PrinterRow& p, size_t devModeAt, LPBYTE out, DWORD cb)
     std::memcpy(out, &info, sizeof info);
 }
 
-DWORD GetData(HANDLE hPrinter, const std::u16string& keyName, LPCWSTR pValueName, LPDWORD pType,
+// The driver reads a hundred switches per call, nearly all absent: this path allocates nothing.
+DWORD GetData(HANDLE hPrinter, std::u16string_view keyName, LPCWSTR pValueName, LPDWORD pType,
               LPBYTE pData, DWORD nSize, LPDWORD pcbNeeded)
 {
     Lock lock(StateMutex());
-    if (!PrinterHandle(hPrinter)) {
+    const PrinterObject* handle = PrinterHandle(hPrinter);
+    if (!handle) {
         return ERROR_INVALID_HANDLE;
     }
     if (keyName.empty() || !pValueName) {
@@ -175,11 +177,13 @@ DWORD GetData(HANDLE hPrinter, const std::u16string& keyName, LPCWSTR pValueName
     }
     const Model* model = nullptr;
     const PrinterRow* printer = nullptr;
-    if (DWORD rc = QueueOf(hPrinter, &model, &printer)) {
+    if (DWORD rc = QueueOf(handle, &model, &printer)) {
         return rc;
     }
-    auto it = model->printerData.find(
-        std::make_tuple(printer->id, Fold(keyName), Fold(FromW(pValueName))));
+    FoldedText key(keyName, uint64_t(printer->id));
+    FoldedText name(pValueName, key.hash());
+    auto it =
+        model->printerData.find(PrinterDataRef{printer->id, key.view(), name.view(), name.hash()});
     if (it == model->printerData.end()) {
         return ERROR_FILE_NOT_FOUND;
     }
@@ -198,24 +202,24 @@ DWORD GetData(HANDLE hPrinter, const std::u16string& keyName, LPCWSTR pValueName
     return ERROR_SUCCESS;
 }
 
-DWORD SetData(HANDLE hPrinter, const std::u16string& keyName, LPCWSTR pValueName, DWORD Type,
+DWORD SetData(HANDLE hPrinter, std::u16string_view keyName, LPCWSTR pValueName, DWORD Type,
               const BYTE* pData, DWORD cbData)
 {
     Lock lock(StateMutex());
-    auto handle = PrinterHandle(hPrinter);
+    const PrinterObject* handle = PrinterHandle(hPrinter);
     if (!handle) {
         return ERROR_INVALID_HANDLE;
     }
     if (keyName.empty() || !pValueName || (!pData && cbData)) {
         return ERROR_INVALID_PARAMETER;
     }
-    std::u16string name = FromW(pValueName);
+    std::u16string key(keyName), name = FromW(pValueName);
     Bytes data(pData, pData + cbData);
     return Store::Instance().Write([&](sqlite3* db, Model& model) -> DWORD {
         if (!model.PrinterById(handle->printer)) {
             return ERROR_INVALID_PRINTER_NAME;
         }
-        PutPrinterData(db, model, handle->printer, keyName, name, Type, std::move(data));
+        PutPrinterData(db, model, handle->printer, key, name, Type, std::move(data));
         return ERROR_SUCCESS;
     });
 }
@@ -313,7 +317,8 @@ BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD Level, LPBYTE pPrinter, DWORD cbB
     DWORD error = ERROR_SUCCESS;
     const Model* model = nullptr;
     const PrinterRow* row = nullptr;
-    if (!PrinterHandle(hPrinter)) {
+    const PrinterObject* handle = PrinterHandle(hPrinter);
+    if (!handle) {
         error = ERROR_INVALID_HANDLE;
     } else if (Level != 1 && Level != 2) {
         error = ERROR_INVALID_LEVEL;
@@ -322,7 +327,7 @@ BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD Level, LPBYTE pPrinter, DWORD cbB
     } else if (!pPrinter && cbBuf) {
         error = ERROR_INVALID_USER_BUFFER;
     } else {
-        error = QueueOf(hPrinter, &model, &row);
+        error = QueueOf(handle, &model, &row);
     }
     if (error) {
         SetLastError(error);
@@ -357,7 +362,7 @@ BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD Level, LPBYTE pPrinter, DWORD cbB
 BOOL WINAPI SetPrinterW(HANDLE hPrinter, DWORD Level, LPBYTE pPrinter, DWORD Command)
 {
     Lock lock(StateMutex());
-    auto handle = PrinterHandle(hPrinter);
+    const PrinterObject* handle = PrinterHandle(hPrinter);
     DWORD error = ERROR_SUCCESS;
     Bytes devMode;
     const auto* info = reinterpret_cast<const PRINTER_INFO_2W*>(pPrinter);
@@ -450,7 +455,7 @@ DWORD WINAPI SetPrinterDataW(HANDLE hPrinter, LPWSTR pValueName, DWORD Type, LPB
 DWORD WINAPI GetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValueName, LPDWORD pType,
                                LPBYTE pData, DWORD nSize, LPDWORD pcbNeeded)
 {
-    return GetData(hPrinter, FromW(pKeyName), pValueName, pType, pData, nSize, pcbNeeded);
+    return GetData(hPrinter, pKeyName ? pKeyName : u"", pValueName, pType, pData, nSize, pcbNeeded);
 }
 
 // Returns the error code: ERROR_SUCCESS when stored, type and bytes as given. NULL data with
@@ -458,7 +463,7 @@ DWORD WINAPI GetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValue
 DWORD WINAPI SetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValueName, DWORD Type,
                                LPBYTE pData, DWORD cbData)
 {
-    return SetData(hPrinter, FromW(pKeyName), pValueName, Type, pData, cbData);
+    return SetData(hPrinter, pKeyName ? pKeyName : u"", pValueName, Type, pData, cbData);
 }
 
 // TRUE with the local ports (PORT_INFO_1W or _2W) in name order, *pcReturned their number.

@@ -21,16 +21,41 @@
 //
 // Concurrency: file stores run in WAL mode with a busy timeout, and every write is one
 // BEGIN IMMEDIATE transaction, so writers from several processes queue instead of losing
-// each other's changes. The copy is reloaded whenever PRAGMA data_version shows a commit by
-// another connection; that check runs again inside each write transaction, so a change is
-// always computed against what is in the file (RegCreateKeyExW sees a key another process
-// has just made).
+// each other's changes, and the last to commit wins. The copy is reloaded whenever
+// PRAGMA data_version shows a commit by another connection; that check runs again inside each
+// write transaction, so a change is always computed against what is in the file
+// (RegCreateKeyExW sees a key another process has just made).
+//
+// Cheap reads. PRAGMA data_version opens a read transaction (file locks, system calls) that
+// costs several times the look-up it guards, and the driver reads a hundred printer data values
+// per call. So a read first compares the WAL-index header, the first 96 bytes of the database's
+// shared memory ("store.db-shm"): two copies of a 48-byte header that a commit rewrites, by any
+// connection of any process, before it returns; rewriting it is what makes the commit visible to
+// other connections (SQLite's unix WAL format, header version 3007000). The store reads SQLite's
+// own mapping of it (the file's xShmMap, reached with SQLITE_FCNTL_FILE_POINTER), so it opens no
+// file of its own: closing one would drop the POSIX locks SQLite holds on the shared memory.
+//  - The check runs only when the header differs from the one taken just before the last
+//    check. Taking it before means a commit that lands between the two is either in the check
+//    or changes the header again.
+//  - A header whose two copies differ (a commit under way, or a writer that crashed in it) or
+//    of an unknown version is not kept, so the next read checks again.
+//  - Writers take no part: older hosts and the sqlite3 shell rewrite the header as well, and no
+//    counter of our own can be left behind by a crash. A commit whose header was never written
+//    is invisible to SQLite's readers too, until a recovery rewrites the header.
+//  - Our own commits change the header as well; the next read pays one check, which finds
+//    data_version unmoved (it counts other connections' commits only).
+//  - The mapping lasts as long as the connection: SQLite unmaps it only when it closes the WAL,
+//    and no other process resets the shared memory while a connection holds its lock on it.
+//  - A store in memory has no other connection and is never checked. A file store that did not
+//    get WAL mode, or whose header cannot be had, is checked on every read.
 #include "store.h"
 
 #include <sqlite3.h>
 
 #include <pthread.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <new>
 
@@ -41,6 +66,11 @@ namespace {
 constexpr int kApplicationId = 0x514C4D48; // "QLMH"
 constexpr int kSchemaVersion = 1;
 constexpr int kBusyTimeoutMs = 5000;
+// The WAL-index: SQLite maps its shared memory in regions of 32 KiB; the header opens region 0
+// with its version number, and byte 12 of each copy says it was initialised.
+constexpr int kWalIndexRegionSize = 32768;
+constexpr uint32_t kWalIndexVersion = 3007000;
+constexpr size_t kWalIndexInitByte = 12;
 
 const char kSchema[] = R"(
 CREATE TABLE settings(name TEXT PRIMARY KEY, value TEXT NOT NULL);
@@ -258,15 +288,14 @@ void PutPrinterData(sqlite3* db, Model& model, int64_t printer, const std::u16st
                    "DO UPDATE SET type = excluded.type, data = excluded.data");
     upsert.Bind(1, printer).Bind(2, key).Bind(3, name).Bind(4, int64_t(type)).Bind(5, data);
     upsert.Run();
-    auto at = std::make_tuple(printer, Fold(key), Fold(name));
-    auto it = model.printerData.find(at);
+    auto it = model.printerData.find(PrinterDataKey{printer, Fold(key), Fold(name)});
     if (it != model.printerData.end()) {
         it->second.type = type;
         it->second.data = std::move(data);
     } else {
         PrinterDataRow row{
             sqlite3_last_insert_rowid(db), printer, key, name, type, std::move(data)};
-        model.printerData.emplace(std::move(at), std::move(row));
+        model.printerData.emplace(PrinterDataKey{printer, Fold(key), Fold(name)}, std::move(row));
     }
 }
 
@@ -357,6 +386,8 @@ void Store::AfterForkInChild()
     Store& store = Instance();
     store.db_ = nullptr;
     store.dataVersion_ = nullptr;
+    store.walHeader_ = nullptr; // the parent's connection's, as the rest
+    store.seenHeaderValid_ = false;
     store.stale_ = true;
     store.inWrite_ = false;
     ++store.generation_;
@@ -390,12 +421,16 @@ bool Store::Open(const std::string& path, std::string* error)
     }
     sqlite3_extended_result_codes(db, 1);
     sqlite3_busy_timeout(db, kBusyTimeoutMs);
-    bool inTransaction = false;
+    bool inTransaction = false, isPrivate = false, walMode = false;
     try {
         // A file that is no database fails at its first read, in one of these statements.
         Exec(db, "PRAGMA foreign_keys=ON");
-        if (path != ":memory:") {
-            Exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL");
+        const char* file = sqlite3_db_filename(db, "main");
+        isPrivate = !file || !*file;
+        if (!isPrivate) {
+            Sql mode(db, "PRAGMA journal_mode=WAL");
+            walMode = mode.Step() && mode.Utf8(0) == "wal";
+            Exec(db, "PRAGMA synchronous=NORMAL");
         }
         Exec(db, "BEGIN IMMEDIATE");
         inTransaction = true;
@@ -442,6 +477,7 @@ bool Store::Open(const std::string& path, std::string* error)
         return fail(e.what());
     }
     db_ = db;
+    private_ = isPrivate;
     stale_ = true;
     try {
         Load(false);
@@ -449,12 +485,54 @@ bool Store::Open(const std::string& path, std::string* error)
         Close();
         return fail(e.what());
     }
+    FindWalHeader(walMode);
     lastReport_.clear();
     return true;
 }
 
+// Called after a read transaction, so SQLite has mapped region 0 already; this only asks for
+// its address. Without it, every read checks.
+void Store::FindWalHeader(bool walMode)
+{
+    walHeader_ = nullptr;
+    seenHeaderValid_ = false;
+    if (private_ || !walMode) {
+        return;
+    }
+    sqlite3_file* file = nullptr;
+    if (sqlite3_file_control(db_, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK || !file ||
+        !file->pMethods || file->pMethods->iVersion < 2 || !file->pMethods->xShmMap) {
+        return;
+    }
+    void volatile* region = nullptr;
+    if (file->pMethods->xShmMap(file, 0, kWalIndexRegionSize, 0, &region) == SQLITE_OK && region) {
+        walHeader_ = static_cast<const volatile uint64_t*>(region);
+    }
+}
+
+bool Store::SnapshotWalHeader(WalHeader* header) const
+{
+    if (!walHeader_) {
+        return false;
+    }
+    for (size_t i = 0; i < kWalHeaderWords; ++i) {
+        (*header)[i] = walHeader_[i];
+    }
+    // What follows (data_version, the reload) must see the store no older than this header.
+    std::atomic_thread_fence(std::memory_order_acquire);
+    constexpr size_t half = kWalHeaderWords / 2;
+    const auto* bytes = reinterpret_cast<const uint8_t*>(header->data());
+    uint32_t version = 0;
+    std::memcpy(&version, bytes, sizeof version);
+    return version == kWalIndexVersion && bytes[kWalIndexInitByte] != 0 &&
+           std::equal(header->begin(), header->begin() + half, header->begin() + half);
+}
+
 void Store::Close()
 {
+    walHeader_ = nullptr; // SQLite unmaps it with the connection
+    seenHeaderValid_ = false;
+    private_ = false;
     if (db_) {
         sqlite3_finalize(dataVersion_);
         dataVersion_ = nullptr;
@@ -532,7 +610,7 @@ void Store::Load(bool inTransaction)
                 v.type = ToDword(q.Int(4));
                 v.data = q.Blob(5);
                 if (m.printers.count(v.printer)) {
-                    auto at = std::make_tuple(v.printer, Fold(v.key), Fold(v.name));
+                    PrinterDataKey at{v.printer, Fold(v.key), Fold(v.name)};
                     m.printerData.emplace(std::move(at), std::move(v));
                 }
             }
@@ -599,7 +677,7 @@ void Store::Load(bool inTransaction)
     stale_ = false;
 }
 
-const Model* Store::Read()
+const Model* Store::Refresh()
 {
     if (!EnsureOpen()) {
         return nullptr;
@@ -608,8 +686,15 @@ const Model* Store::Read()
         return &model_; // already current inside the write transaction
     }
     try {
+        WalHeader header;
+        bool vouches = SnapshotWalHeader(&header);
+        seenHeaderValid_ = false;
         if (stale_ || DataVersion() != version_) {
             Load(false);
+        }
+        if (vouches) {
+            seenHeader_ = header;
+            seenHeaderValid_ = true;
         }
     } catch (const StoreError& e) {
         Report(std::string("cannot read the store: ") + e.what());

@@ -2,20 +2,23 @@
 // an in-memory copy of it from which every read is served.
 //
 // Callers hold StateMutex() around every use. Read() gives the current copy, reloaded first
-// when another connection (another process) has committed since it was loaded. Write() runs a
-// change as one BEGIN IMMEDIATE transaction against a current copy; the change issues its SQL
-// and then applies itself to the copy, so the copy never needs a reload for our own writes.
+// when another connection (another process) has committed since it was loaded; how it tells
+// cheaply is described at the top of store.cpp. Write() runs a change as one BEGIN IMMEDIATE
+// transaction against a current copy; the change issues its SQL and then applies itself to the
+// copy, so the copy never needs a reload for our own writes.
 #pragma once
 
 #include "hostinternal.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <tuple>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 struct sqlite3;
@@ -64,13 +67,51 @@ struct RegKeyRow
     std::vector<RegValueRow> values;            // insertion order
 };
 
+// Where a printer data value sits: its printer, folded key and folded name. Hashed rather
+// than ordered: a look-up then compares whole names once instead of character by character
+// down a tree, and the driver makes a hundred of them per call.
+struct PrinterDataKey
+{
+    int64_t printer = 0;
+    std::u16string key, name; // folded
+};
+// A look-up's key, folded and hashed already (FoldedText), so that it allocates nothing.
+struct PrinterDataRef
+{
+    int64_t printer = 0;
+    std::u16string_view key, name;
+    uint64_t hash = 0; // of the name, seeded with that of the key, seeded with the printer
+};
+struct PrinterDataHash
+{
+    using is_transparent = void;
+    size_t operator()(const PrinterDataRef& ref) const { return ref.hash; }
+    size_t operator()(const PrinterDataKey& key) const
+    {
+        uint64_t seed = FoldAndHash(key.key, nullptr, static_cast<uint64_t>(key.printer));
+        return FoldAndHash(key.name, nullptr, seed);
+    }
+};
+struct PrinterDataEqual
+{
+    using is_transparent = void;
+    template <typename A, typename B> bool operator()(const A& a, const B& b) const
+    {
+        return a.printer == b.printer && Same(a.key, b.key) && Same(a.name, b.name);
+    }
+    static bool Same(std::u16string_view a, std::u16string_view b)
+    {
+        return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * 2) == 0;
+    }
+};
+
 // The whole store in memory. Maps keyed by folded names give the case-insensitive look-ups.
 struct Model
 {
     std::map<int64_t, PrinterRow> printers;
     std::map<std::u16string, int64_t> printerIds; // folded name -> id
-    // (printer, folded key, folded name) -> value
-    std::map<std::tuple<int64_t, std::u16string, std::u16string>, PrinterDataRow> printerData;
+    std::unordered_map<PrinterDataKey, PrinterDataRow, PrinterDataHash, PrinterDataEqual>
+        printerData;
     std::map<std::u16string, PortRow> ports; // folded name -> port; iteration is name order
     std::map<int64_t, RegKeyRow> keys;
     std::map<std::u16string, int64_t> hives; // folded hive name -> root key id
@@ -125,8 +166,15 @@ public:
     void Close();
 
     // The current copy, opening the home store first if none is open. Null when no store
-    // can be had; the reason has been reported on standard error.
-    const Model* Read();
+    // can be had; the reason has been reported on standard error. Inline, as nearly every
+    // read finds the copy current.
+    const Model* Read()
+    {
+        if (db_ && (inWrite_ || (!stale_ && UnchangedSinceCheck()))) {
+            return &model_;
+        }
+        return Refresh();
+    }
 
     // Runs change in one write transaction. change returns ERROR_SUCCESS to commit, any other
     // code to roll back; it must leave the copy untouched when it does not succeed. Returns
@@ -138,12 +186,38 @@ public:
     uint64_t Generation() const { return generation_; }
 
 private:
+    // The two copies of the WAL-index header that SQLite keeps at the start of the shared
+    // memory of a WAL database; every commit rewrites them.
+    static constexpr size_t kWalHeaderWords = 12;
+    using WalHeader = std::array<uint64_t, kWalHeaderWords>;
+
     Store();
     static void AfterForkInChild();
     bool EnsureOpen();
     void Load(bool inTransaction);
     int64_t DataVersion();
     void Report(const std::string& message);
+    void FindWalHeader(bool walMode);
+    const Model* Refresh();
+    // True when no other connection can have committed since the last check: the store is
+    // private, or the WAL-index header is still the one seen then.
+    bool UnchangedSinceCheck() const
+    {
+        if (private_) {
+            return true;
+        }
+        if (!walHeader_ || !seenHeaderValid_) {
+            return false;
+        }
+        uint64_t difference = 0;
+        for (size_t i = 0; i < kWalHeaderWords; ++i) {
+            difference |= walHeader_[i] ^ seenHeader_[i];
+        }
+        return difference == 0;
+    }
+    // Reads the WAL-index header; false when it cannot vouch for the copy (no header, a
+    // format not known, or a commit under way).
+    bool SnapshotWalHeader(WalHeader* header) const;
 
     sqlite3* db_ = nullptr;
     sqlite3_stmt* dataVersion_ = nullptr;
@@ -151,6 +225,10 @@ private:
     int64_t version_ = -1;
     bool stale_ = true;
     bool inWrite_ = false;
+    bool private_ = false;                         // in memory: no other connection exists
+    const volatile uint64_t* walHeader_ = nullptr; // SQLite's own mapping; null: always check
+    WalHeader seenHeader_{};
+    bool seenHeaderValid_ = false;
     uint64_t generation_ = 1;
     std::string lastReport_;
 };

@@ -413,6 +413,62 @@ TEST_F(Spooler, PrinterDataKeysCompareWithoutCase)
                                 reinterpret_cast<LPBYTE>(&seven), 4));
 }
 
+// Look-ups fold names four characters at a time; every length and boundary must agree with
+// folding one character at a time, ASCII letters only, as SQLite's NOCASE does.
+TEST_F(Spooler, PrinterDataNamesFoldOnlyAsciiLetters)
+{
+    struct Row
+    {
+        const char16_t* stored;
+        const char16_t* asked;
+        bool found;
+    } rows[] = {
+        {u"Z", u"z", true},
+        {u"aB", u"Ab", true},
+        {u"ABC", u"abc", true},
+        {u"ABCD", u"abcd", true},
+        {u"AbCdE", u"aBcDe", true}, // the last word overlaps the first
+        {u"ABCDEFGH", u"abcdefgh", true},
+        {u"g_bLogAllEscapes", u"G_BLOGALLESCAPES", true},
+        {u"ABCDEFGHI", u"abcdefghI", true},
+        {u"@", u"`", false}, // the neighbours of 'A' and 'Z' are no letters
+        {u"[", u"{", false},
+        {u"\u00C4", u"\u00E4", false}, // nor is anything beyond ASCII
+        {u"\u8041", u"\u8061", false}, // a high character whose low bits look like 'A'
+        {u"ABCDEFGH", u"EFGHABCD", false},
+        {u"abc", u"abcd", false},
+        {u"abcd", u"abc", false},
+    };
+    DWORD index = 0;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(host::Utf16ToUtf8(row.stored) + " / " + host::Utf16ToUtf8(row.asked));
+        std::u16string key = u"Case" + host::Utf8ToUtf16(std::to_string(++index));
+        ASSERT_EQ(DWORD(ERROR_SUCCESS),
+                  SetPrinterDataExW(printer_, key.c_str(), row.stored, REG_DWORD,
+                                    reinterpret_cast<LPBYTE>(&index), 4));
+        std::u16string upperKey = u"CASE" + key.substr(4);
+        DWORD value = 0, needed = 0;
+        EXPECT_EQ(DWORD(row.found ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND),
+                  GetPrinterDataExW(printer_, upperKey.c_str(), row.asked, nullptr,
+                                    reinterpret_cast<LPBYTE>(&value), 4, &needed));
+        EXPECT_EQ(row.found ? index : 0u, value);
+        EXPECT_EQ(row.found, host::GetPrinterData(u"QLM 5000", upperKey, row.asked, nullptr));
+    }
+    // Listed by key and name without case, whatever the order of the look-up structure.
+    auto fold = [](std::u16string text) {
+        for (auto& c : text) {
+            c = (c >= u'A' && c <= u'Z') ? char16_t(c + 32) : c;
+        }
+        return text;
+    };
+    std::vector<std::pair<std::u16string, std::u16string>> listed;
+    for (const auto& v : host::ListPrinterData(u"QLM 5000")) {
+        listed.emplace_back(fold(v.key), fold(v.name));
+    }
+    EXPECT_EQ(std::size(rows), listed.size());
+    EXPECT_TRUE(std::is_sorted(listed.begin(), listed.end()));
+}
+
 TEST_F(Spooler, EnumPortsLevel2)
 {
     ASSERT_TRUE(host::AddPort({u"IP_10.0.0.9", u"Standard TCP/IP Port", u"Standard TCP/IP Port"}));

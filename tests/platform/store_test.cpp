@@ -1,9 +1,11 @@
 // The store: persistence across opens, writes of other processes, concurrent writers, damage.
 #include "hosttest.h"
 
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -170,6 +172,109 @@ TEST_F(Store, AnotherProcessWriteIsSeenByTheNextRead)
     ASSERT_EQ(ERROR_SUCCESS,
               RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"Software\\Child", 0, KEY_READ, &key));
     RegCloseKey(key);
+    ClosePrinter(printer);
+}
+
+// Reads skip the freshness check while SQLite's shared WAL-index header is unchanged. Two
+// processes take turns: each must see the other's latest value, also right after a read that
+// followed its own write (its cached header is then one its own commit wrote).
+TEST_F(Store, TurnsTakenByTwoProcessesAreEachSeen)
+{
+    constexpr DWORD kRounds = 40;
+    Open();
+    ASSERT_TRUE(host::AddPrinter(Printer(u"QLM")));
+    int turn[2]; // the token passes both ways; a send to a dead child fails instead of killing us
+    ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, turn));
+    auto pass = [](int fd) {
+        char token = 't';
+        return send(fd, &token, 1, MSG_NOSIGNAL) == 1 && recv(fd, &token, 1, 0) == 1;
+    };
+    auto read = [](HANDLE printer) {
+        DWORD value = kSentinel, needed = 0;
+        GetPrinterDataExW(printer, u"Turns", u"Last", nullptr, reinterpret_cast<LPBYTE>(&value), 4,
+                          &needed);
+        return value;
+    };
+    auto write = [](HANDLE printer, DWORD value) {
+        return SetPrinterDataExW(printer, u"Turns", u"Last", REG_DWORD,
+                                 reinterpret_cast<LPBYTE>(&value), 4) == ERROR_SUCCESS;
+    };
+    pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+        close(turn[0]);
+        HANDLE printer = host::OpenStore(path_) ? OpenQueue(u"QLM") : nullptr;
+        char token;
+        for (DWORD round = 0; printer && round < kRounds; ++round) {
+            if (recv(turn[1], &token, 1, 0) != 1 || read(printer) != 2 * round ||
+                !write(printer, 2 * round + 1) || read(printer) != 2 * round + 1 ||
+                send(turn[1], &token, 1, MSG_NOSIGNAL) != 1) {
+                _exit(1);
+            }
+        }
+        _exit(printer ? 0 : 2);
+    }
+    close(turn[1]);
+    HANDLE printer = OpenQueue(u"QLM");
+    for (DWORD round = 0; printer && round < kRounds; ++round) {
+        SCOPED_TRACE(round);
+        EXPECT_TRUE(write(printer, 2 * round));
+        EXPECT_EQ(2 * round, read(printer));
+        if (!pass(turn[0])) {
+            break; // the child has failed; its exit code tells
+        }
+        if (read(printer) != 2 * round + 1) {
+            ADD_FAILURE() << "the child's turn was not seen";
+            break;
+        }
+    }
+    close(turn[0]); // a child still waiting for its turn gives up
+    EXPECT_EQ(0, Wait(pid));
+    EXPECT_NE(nullptr, printer);
+    ClosePrinter(printer);
+}
+
+// Writers need not be hosts: whatever commits to the file through SQLite is seen by the next
+// read, also after the WAL was checkpointed and started over.
+TEST_F(Store, CommitsOfTheSqliteShellAreSeen)
+{
+    if (std::system("command -v sqlite3 >/dev/null 2>&1") != 0) {
+        GTEST_SKIP() << "no sqlite3 shell";
+    }
+    Open();
+    ASSERT_TRUE(host::AddPrinter(Printer(u"QLM")));
+    HANDLE printer = OpenQueue(u"QLM");
+    ASSERT_NE(nullptr, printer);
+    auto read = [&]() {
+        DWORD value = kSentinel, needed = 0;
+        DWORD rc = GetPrinterDataExW(printer, u"Shell", u"Value", nullptr,
+                                     reinterpret_cast<LPBYTE>(&value), 4, &needed);
+        return rc == ERROR_SUCCESS ? value : rc == ERROR_FILE_NOT_FOUND ? 0 : kSentinel;
+    };
+    struct Row
+    {
+        const char* what;
+        std::string sql;
+        DWORD expected; // 0: absent
+    } rows[] = {
+        {"an insert",
+         "INSERT INTO printer_data(printer, key, name, type, data) SELECT id, 'Shell', 'Value', "
+         "4, x'07000000' FROM printers",
+         7},
+        {"an update after a truncating checkpoint",
+         "PRAGMA wal_checkpoint(TRUNCATE); UPDATE printer_data SET data = x'08000000'", 8},
+        {"an update", "UPDATE printer_data SET data = x'09000000'", 9},
+        {"a deletion", "DELETE FROM printer_data", 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        read(); // takes the current header: the next read must see that it changed
+        read();
+        std::string command =
+            "sqlite3 -cmd '.timeout 5000' '" + path_ + "' \"" + row.sql + "\" >/dev/null";
+        ASSERT_EQ(0, std::system(command.c_str()));
+        EXPECT_EQ(row.expected, read());
+    }
     ClosePrinter(printer);
 }
 
