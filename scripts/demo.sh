@@ -26,8 +26,8 @@ fi
 qlmhost() { build/host/tools/qlmhost/qlmhost --home "$home" "$@"; }
 step() { printf '\n== %s\n' "$*"; }
 
-# The queue is named after the model's number: "Plan 2440".
-number=$(grep -o '[0-9]\{4\}' <<<"$model" | head -n 1 || true)
+# The queue is named after the model's number: "Plan 2440", "Plan 318p", "Plan 3320A".
+number=$(grep -o '[0-9]\{3,4\}[A-Za-z]*' <<<"$model" | head -n 1 || true)
 queue="Plan ${number:-plotter}"
 
 step "A port of the standard TCP/IP monitor and a queue of \"$model\" on it"
