@@ -1,5 +1,6 @@
 // DrvDeviceCapabilities as an application calls it: every index on every model a driver name
 // can select, the count call agreeing with the filling call, and the AutoCAD indexes.
+#include "config/configtest.h"
 #include "support/hostprinter.h"
 #include "support/tracecapture.h"
 
@@ -160,6 +161,36 @@ TEST(DeviceCapabilities, ListsAgreeWithTheirCountsOnEveryModel)
 
         std::vector<WCHAR> personality = List<WCHAR>(h, DC_PERSONALITY, 32);
         EXPECT_EQ("HP-GL/2", Name(personality.data(), 32));
+        host::RemovePrinter(u"Q");
+    }
+}
+
+// No driver name selects models 4 and 5: their device answers are asked of a device object
+// whose configuration was built for them.
+TEST(DeviceCapabilities, ModelsWithoutAnAliasAnswerLikeTheirLists)
+{
+    for (DWORD model : {DWORD(4), DWORD(5)}) {
+        SCOPED_TRACE(model);
+        HostPrinter printer(u"Q", u"Some Other Plotter");
+        TVODevice device;
+        device.setDeviceConfiguration(printer.handle());
+        delete device.m_pConfig;
+        device.m_pConfig = configtest::MakeConfig(model).release();
+        ASSERT_EQ(model, device.m_pConfig->m_PrinterModel);
+        auto ask = [&](WORD index, void* out) {
+            return device.deviceCapabilities(printer.handle(), nullptr, index, out, nullptr);
+        };
+        LONG papers = ask(DC_PAPERS, nullptr);
+        EXPECT_EQ(23, papers);
+        std::vector<WORD> codes(papers);
+        EXPECT_EQ(papers, ask(DC_PAPERS, codes.data()));
+        EXPECT_EQ(256, codes.back());
+        std::vector<WORD> bins(ask(DC_BINS, nullptr));
+        EXPECT_EQ(static_cast<LONG>(bins.size()), ask(DC_BINS, bins.data()));
+        EXPECT_EQ((std::vector<WORD>{257, 258, 259, 4, 7}), bins);
+        EXPECT_EQ(3, ask(DC_ENUMRESOLUTIONS, nullptr));
+        EXPECT_EQ((12192 << 16) | 9144, ask(DC_MAXEXTENT, nullptr));
+        EXPECT_EQ(220, ask(DC_SIZE, nullptr));
         host::RemovePrinter(u"Q");
     }
 }
