@@ -28,6 +28,7 @@
 #include "host/decl/spooler.h"
 #include "host/decl/user.h"
 #include "host/decl/compstui.h"
+#include "host/decl/winsock.h"
 #endif
 
 #include "win32_ddk.h"
