@@ -130,6 +130,10 @@ public:
     // The printer's user forms from and to its printer data.
     void getUserForms(HANDLE hPrinter);
     void setUserForms(HANDLE hPrinter);
+    // Fills dm's dmxFinisher from a finisher description file. Returns 5, the finisher type
+    // of a file-made finisher, or 0 when the file lacks Model, Version or Programs, in which
+    // case dm is untouched. Counts beyond the block's room are cut to it.
+    DWORD addFInisherFromFileToDevmode(LPCWSTR fileName, DEVMODEEX* dm);
 
     // Objects made and released, for the trace.
     static LONG s_nInstances;
