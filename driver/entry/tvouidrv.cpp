@@ -106,13 +106,6 @@ BOOL TVONTUIDriver::DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEV
     return TRUE;
 }
 
-BOOL TVONTUIDriver::DrvPrinterEvent(LPWSTR pPrinterName, INT DriverEvent, DWORD Flags,
-                                    LPARAM lParam)
-{
-    QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvPrinterEvent"), TraceEntryFlags());
-    return FALSE;
-}
-
 // Never shows anything, DM_IN_PROMPT or not: prompting belongs to the sheets.
 LONG TVONTUIDriver::DrvDocumentProperties(HWND hwnd, HANDLE hPrinter, PWSTR lpszDeviceName,
                                           PDEVMODEW pdmOutput, PDEVMODEW pdmInput, DWORD fMode)

@@ -36,6 +36,10 @@ public:
     LONG DeviceSheetUI_INIT(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
 };
 
+// TRUE when the system's major version is 6, or when it cannot be told: on that family the
+// printer events do no work. FALSE where the platform has no version.
+BOOL QLMIsMajorVersion6();
+
 // The name of a document event for the trace; "DEFAULT" for one the table does not know.
 const WCHAR* DocumentEventName(int iEsc);
 
