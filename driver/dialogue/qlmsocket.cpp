@@ -156,6 +156,11 @@ BOOL QLMSocket::Connect(const char* host, int family, int socktype, const char* 
             closesocket(s);
             continue;
         }
+        // The line and its line feed go out in two sends: without this, Nagle's algorithm holds
+        // the line feed until the printer's delayed acknowledgement, some 40 ms per query.
+        BOOL bNoDelay = TRUE;
+        setsockopt(s, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&bNoDelay),
+                   sizeof(bNoDelay));
         m_s = s;
         bConnected = 1;
         Trace(TEXT("socket created & connected on family: %s"),

@@ -9,6 +9,7 @@
 
 #include <netdb.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -489,6 +490,32 @@ int WINAPI send(SOCKET s, const char* buf, int len, int flags)
         sent = ::send(fd, buf, size_t(len), posixFlags | MSG_NOSIGNAL);
     } while (sent < 0 && errno == EINTR);
     return sent < 0 ? FailErrno() : int(sent);
+}
+
+int WINAPI setsockopt(SOCKET s, int level, int optname, const char* optval, int optlen)
+{
+    int fd = Descriptor(s);
+    if (fd < 0) {
+        Fail(WSAENOTSOCK);
+        return SOCKET_ERROR;
+    }
+    // IPPROTO_TCP and TCP_NODELAY have the same numbers on both systems.
+    if (level != 6 || optname != 1) {
+        Fail(WSAENOPROTOOPT);
+        return SOCKET_ERROR;
+    }
+    if (!optval || optlen < int(sizeof(char))) {
+        Fail(WSAEFAULT);
+        return SOCKET_ERROR;
+    }
+    // Windows takes any non-zero first byte (or BOOL) as on.
+    int on = 0;
+    for (int i = 0; i < optlen && i < int(sizeof(int)); i++)
+        on |= optval[i];
+    on = on != 0;
+    if (::setsockopt(fd, ::IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on)) < 0)
+        return FailErrno();
+    return 0;
 }
 
 // The number of bytes received, 0 when the peer has closed its side, or SOCKET_ERROR:

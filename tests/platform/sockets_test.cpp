@@ -251,8 +251,17 @@ TEST_F(Sockets, BadHandlesAndArgumentsGiveTheirCodes)
     damaged.fd_count = 1000;
     EXPECT_EQ(SOCKET_ERROR, select(0, &damaged, nullptr, nullptr, nullptr));
     EXPECT_EQ(WSAEINVAL, WSAGetLastError());
+    BOOL on = TRUE;
+    const char* pOn = reinterpret_cast<const char*>(&on);
+    EXPECT_EQ(0, setsockopt(s, 6, 1, pOn, sizeof(on))) << "TCP_NODELAY at IPPROTO_TCP";
+    EXPECT_EQ(SOCKET_ERROR, setsockopt(s, 6, 1, nullptr, sizeof(on)));
+    EXPECT_EQ(WSAEFAULT, WSAGetLastError());
+    EXPECT_EQ(SOCKET_ERROR, setsockopt(s, 0xFFFF, 0x0080, pOn, sizeof(on))) << "SO_LINGER";
+    EXPECT_EQ(WSAENOPROTOOPT, WSAGetLastError());
     EXPECT_EQ(0, closesocket(s));
     EXPECT_EQ(SOCKET_ERROR, closesocket(s)) << "closed twice";
+    EXPECT_EQ(SOCKET_ERROR, setsockopt(s, 6, 1, pOn, sizeof(on)));
+    EXPECT_EQ(WSAENOTSOCK, WSAGetLastError());
 }
 
 TEST(SocketsStartup, NothingWorksBeforeWSAStartupAndEachStartupNeedsItsCleanup)

@@ -126,6 +126,9 @@ SOCKET WINAPI socket(int af, int type, int protocol);
 int WINAPI connect(SOCKET s, const struct sockaddr* name, int namelen);
 int WINAPI send(SOCKET s, const char* buf, int len, int flags);
 int WINAPI recv(SOCKET s, char* buf, int len, int flags);
+// 0, or SOCKET_ERROR: WSAENOTSOCK, WSAEFAULT for a null or short value, WSAENOPROTOOPT for an
+// option the host does not carry (it carries TCP_NODELAY at IPPROTO_TCP).
+int WINAPI setsockopt(SOCKET s, int level, int optname, const char* optval, int optlen);
 // nfds is ignored. The number of ready sockets, 0 on time-out, SOCKET_ERROR on error; each set
 // keeps only its ready sockets. All sets empty or absent is WSAEINVAL, as on Windows.
 int WINAPI select(int nfds, QLMHostFdSet* readfds, QLMHostFdSet* writefds, QLMHostFdSet* exceptfds,
@@ -136,6 +139,17 @@ int WINAPI getaddrinfo(const char* pNodeName, const char* pServiceName, const AD
 void WINAPI freeaddrinfo(PADDRINFOA pAddrInfo);
 } // namespace host::winsock
 using namespace host::winsock;
+
+// The option the driver sets. The C library's own names (an enumerator and macros) win where a
+// file sees both; the values are the same.
+namespace host::winsock {
+#ifndef IPPROTO_TCP
+constexpr int IPPROTO_TCP = 6;
+#endif
+#ifndef TCP_NODELAY
+constexpr int TCP_NODELAY = 0x0001;
+#endif
+} // namespace host::winsock
 
 // ---- Error codes (winerror.h) -----------------------------------------------------------------
 #define WSA_NOT_ENOUGH_MEMORY 8L
