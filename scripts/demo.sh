@@ -14,15 +14,22 @@ model=${1:-Tarvo Plan Output System 2440}
 
 bash scripts/deps.sh
 cmake --preset host >/dev/null
-cmake --build --preset host -j "$(nproc)" --target qlmhost QLMUIDrv QLMRes >/dev/null
+cmake --build --preset host -j "$(nproc)" --target qlmhost QLMUIDrv QLMRes pjlsim >/dev/null
 
 if [ -n "${QLMDEMO_HOME:-}" ]; then
   home=$QLMDEMO_HOME
   mkdir -p "$home"
 else
   home=$(mktemp -d "${TMPDIR:-/tmp}/qlmdemo.XXXXXX")
-  trap 'rm -rf "$home"' EXIT
 fi
+# The simulated printer listens on a loopback address of its own, port 2000.
+address="127.0.$((RANDOM % 200 + 20)).$((RANDOM % 200 + 20))"
+cleanup() {
+  [ -n "${simpid:-}" ] && kill "$simpid" 2>/dev/null || true
+  [ -z "${QLMDEMO_HOME:-}" ] && rm -rf "$home"
+  return 0
+}
+trap cleanup EXIT
 qlmhost() { build/host/tools/qlmhost/qlmhost --home "$home" "$@"; }
 step() { printf '\n== %s\n' "$*"; }
 
@@ -30,11 +37,21 @@ step() { printf '\n== %s\n' "$*"; }
 number=$(grep -o '[0-9]\{3,4\}[A-Za-z]*' <<<"$model" | head -n 1 || true)
 queue="Plan ${number:-plotter}"
 
+step "The printer: pjlsim with its built-in 2440 profile on $address, port 2000"
+build/host/tools/pjlsim/pjlsim --address "$address" --quiet &
+simpid=$!
+sleep 0.5
+
 step "A port of the standard TCP/IP monitor and a queue of \"$model\" on it"
-qlmhost port add 127.0.0.1 --monitor TCPMON.DLL --description "Standard TCP/IP Port"
+qlmhost port add "$address" --monitor TCPMON.DLL --description "Standard TCP/IP Port"
 qlmhost printer remove "$queue" >/dev/null 2>&1 || true
-qlmhost printer add "$queue" --driver "$model" --port 127.0.0.1
+qlmhost printer add "$queue" --driver "$model" --port "$address"
 qlmhost printer list
+
+step "The spooler's notice of the new queue: the driver asks the printer and keeps the answer"
+qlmhost event "$queue" initialize
+qlmhost devmode show "$queue" | grep -E \
+  'dmxNumRolls|dmxRoll|dmxFirmwareRevision|dmxFontList|dmxDefaultFont|dmxRasterStampList|dmxDefaultStamp|dmxFinisherType|dmxFinisher|Model|Version|numPrograms|programs|name '
 
 step "The driver library, loaded as the spooler loads it, answers at once"
 qlmhost driver "$queue"

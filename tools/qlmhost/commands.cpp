@@ -694,6 +694,12 @@ const Command g_Commands[] = {
      "  --json prints {\"index\", \"name\", \"result\", \"output\"} (\"output\" absent when "
      "nothing\n"
      "  is written; extents add \"width\" and \"length\")."},
+    {"event", "PRINTER initialize|delete|delete-connection|NUMBER [--no-ui] [--json]",
+     "Tells the driver of a queue's life as the spooler does (DrvPrinterEvent).", EventCommand,
+     "initialize fills the queue's stored record from its printer (over the port's address,\n"
+     "  TCP port 2000); delete and delete-connection remove the queue's per-user key. Other\n"
+     "  events, by name (add-connection, cache-refresh, cache-delete, attributes-changed) or\n"
+     "  number, are answered without action. Exit 0 when the driver answers TRUE."},
     {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
      DevmodeLayout},
     {"devmode new", "PRINTER [--json]",

@@ -76,6 +76,7 @@ bool ParseNumber(const std::string& text, long long low, long long high, long lo
 
 // The commands of the other units.
 int CapsCommand(Args& args, const Options& options);
+int EventCommand(Args& args, const Options& options);
 int DevmodeLayout(Args& args, const Options& options);
 int DevmodeNew(Args& args, const Options& options);
 int DevmodeShow(Args& args, const Options& options);
