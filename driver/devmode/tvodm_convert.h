@@ -22,7 +22,7 @@ enum
     CDM_RESULT_NOT_HANDLED = 2,
 };
 
-// The spec version a record really is, judged by its size since old records may lie.
+// The dmSpecVersion a record really has, judged by its size since old records may lie.
 WORD CheckDevmodeVersion(const DEVMODEW* pdm);
 // Copies the shorter public part and the shorter private part of pdmIn into pdmOut, keeping
 // pdmOut's sizes and driver version. The bytes copied, or -1 for a missing or unknown record.

@@ -11,11 +11,11 @@
 namespace {
 
 // A record of the given shape whose every byte behind the header is `fill`.
-std::vector<uint8_t> Record(WORD dmSize, WORD dmDriverExtra, uint8_t fill, WORD spec = 0x0401)
+std::vector<uint8_t> Record(WORD dmSize, WORD dmDriverExtra, uint8_t fill, WORD specVersion = 0x0401)
 {
     std::vector<uint8_t> bytes(size_t(dmSize) + dmDriverExtra + 16, fill);
     DEVMODEW* pdm = reinterpret_cast<DEVMODEW*>(bytes.data());
-    pdm->dmSpecVersion = spec;
+    pdm->dmSpecVersion = specVersion;
     pdm->dmDriverVersion = 0x0C07;
     pdm->dmSize = dmSize;
     pdm->dmDriverExtra = dmDriverExtra;
@@ -32,12 +32,12 @@ TEST(CheckDevmodeVersion, SizeDecidesOverWhatTheRecordSays)
     const struct
     {
         WORD dmSize;
-        WORD spec;
+        WORD specVersion;
         WORD expected;
     } rows[] = {{188, 0x0401, 0x0320}, {212, 0x0320, 0x0400}, {220, 0x0320, 0x0401},
                 {156, 0x0300, 0x0300}, {230, 0x0402, 0x0402}, {100, 0, 0}};
     for (const auto& row : rows) {
-        std::vector<uint8_t> r = Record(row.dmSize, 0, 0, row.spec);
+        std::vector<uint8_t> r = Record(row.dmSize, 0, 0, row.specVersion);
         EXPECT_EQ(row.expected, CheckDevmodeVersion(Dm(r))) << row.dmSize;
     }
 }
