@@ -41,29 +41,6 @@ constexpr char kPrinterAddress[] = "127.0.0.71";
 constexpr char kEchoAddress[] = "127.0.0.72";
 constexpr uint16_t kEchoPort = 2001;
 
-constexpr char kProfile[] = R"(id = BENCH 1
-firmware = 12.5
-memory = 1024
-scanner = 4126
-finisher-type = GFI
-roll1 = Roll 36in, FULL, PAPER
-roll2 = ROLL_A0+, LOW, "PRESENTATION_360"
-manual = ANY, NONE, ""
-accounting = DISABLED
-label-font = HELV
-default-stamp = DRAFT
-font = HELV, Helvetica, size=100
-stamp = DRAFT, size=50, rw=RW
-finisher.model = F1
-finisher.version = 0.0
-finisher.fanfolds = FULL_FRONT_END_LEFT
-finisher.max-margin = 20
-finisher.program = P1, fanfold=FULL_FRONT_END_LEFT, crossfold=WALLET, width=210, length=297, margin=20, punch=PUNCH_3, tab=TAB, bins=2, maxlength=900, delivery=FACEDOWN, title=1, edge=SHORTEDGE
-status-code = 40000
-status-display = SLEEP MODE
-online = FALSE
-)";
-
 // A private home with the resource library, a queue on the simulated printer's address, and
 // the printer itself, for the program's life.
 struct Setup
@@ -93,7 +70,9 @@ struct Setup
         options.address = kPrinterAddress;
         options.port = 2000;
         server = std::make_unique<pjlsim::Server>(
-            pjlsim::ParseProfile(kProfile, "bench", &error).value_or(pjlsim::Profile{}), options);
+            pjlsim::ParseProfile(pjlsim::DefaultProfileText(), "plan2440", &error)
+                .value_or(pjlsim::Profile{}),
+            options);
         if (!server->Start(&error))
             fprintf(stderr, "pjlsim: %s\n", error.c_str());
     }

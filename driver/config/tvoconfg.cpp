@@ -884,48 +884,44 @@ void TVOPrinterConfiguration::getLongPlotSizes(DEVMODEEX* lpdm, DWORD dwWidth, D
 
 // ---- Limits of a custom size -------------------------------------------------------------------
 
+namespace {
+
+// A limit given in thousandths of an inch and of a millimetre, in the units asked for; another
+// unit asserts and gives the fallback (0 for a minimum, 1 for a maximum).
+TVOFixed LimitInUnits(DWORD units, int32_t inches, int32_t millimetres, long fallback)
+{
+    if (units == kFIXED_INCHES)
+        return TVOFixed::fromThousandths(inches);
+    if (units == kFIXED_MM)
+        return TVOFixed::fromThousandths(millimetres);
+    ASSERT(units == kFIXED_INCHES || units == kFIXED_MM);
+    return TVOFixed(fallback);
+}
+
+} // namespace
+
 TVOFixed TVOPrinterConfiguration::getMinPaperWidth(DWORD units)
 {
     QLM_TRACE_SCOPE(TEXT("TVOPrinterConfiguration::getMinPaperWidth"), TraceConfig());
-    if (units == kFIXED_INCHES)
-        return TVOFixed(8);
-    if (units == kFIXED_MM)
-        return TVOFixed::fromThousandths(203200);
-    ASSERT(units == kFIXED_INCHES || units == kFIXED_MM);
-    return TVOFixed(0);
+    return LimitInUnits(units, 8000, 203200, 0);
 }
 
 TVOFixed TVOPrinterConfiguration::getMaxPaperWidth(DWORD units, BOOL bWide)
 {
     QLM_TRACE_SCOPE(TEXT("TVOPrinterConfiguration::getMaxPaperWidth"), TraceConfig());
-    if (units == kFIXED_INCHES)
-        return TVOFixed(bWide ? 54 : 36);
-    if (units == kFIXED_MM)
-        return TVOFixed::fromThousandths(bWide ? 1371600 : 914400);
-    ASSERT(units == kFIXED_INCHES || units == kFIXED_MM);
-    return TVOFixed(1);
+    return bWide ? LimitInUnits(units, 54000, 1371600, 1) : LimitInUnits(units, 36000, 914400, 1);
 }
 
 TVOFixed TVOPrinterConfiguration::getMinPaperLength(DWORD units)
 {
     QLM_TRACE_SCOPE(TEXT("TVOPrinterConfiguration::getMinPaperLength"), TraceConfig());
-    if (units == kFIXED_INCHES)
-        return TVOFixed(10);
-    if (units == kFIXED_MM)
-        return TVOFixed(254);
-    ASSERT(units == kFIXED_INCHES || units == kFIXED_MM);
-    return TVOFixed(0);
+    return LimitInUnits(units, 10000, 254000, 0);
 }
 
 TVOFixed TVOPrinterConfiguration::getMaxPaperLength(DWORD units)
 {
     QLM_TRACE_SCOPE(TEXT("TVOPrinterConfiguration::getMaxPaperLength"), TraceConfig());
-    if (units == kFIXED_INCHES)
-        return TVOFixed(960);
-    if (units == kFIXED_MM)
-        return TVOFixed(24384);
-    ASSERT(units == kFIXED_INCHES || units == kFIXED_MM);
-    return TVOFixed(1);
+    return LimitInUnits(units, 960000, 24384000, 1);
 }
 
 // ---- Rolls, bins, extents ----------------------------------------------------------------------

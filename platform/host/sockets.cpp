@@ -466,25 +466,35 @@ int WINAPI connect(SOCKET s, const struct sockaddr* name, int namelen)
     return ConnectPosix(fd, family, name, size) < 0 ? FailErrno() : 0;
 }
 
+// The checks send and recv share: a socket made here, a buffer for a non-negative length,
+// known flags. False after setting the code.
+bool TransferArguments(SOCKET s, const char* buf, int len, int flags, int* pFd, int* pPosixFlags)
+{
+    *pFd = Descriptor(s);
+    if (*pFd < 0) {
+        Fail(WSAENOTSOCK);
+        return false;
+    }
+    if (len < 0 || (!buf && len > 0)) {
+        Fail(WSAEFAULT);
+        return false;
+    }
+    *pPosixFlags = PosixFlags(kMsgFlags, std::size(kMsgFlags), flags);
+    if (*pPosixFlags < 0) {
+        Fail(WSAEOPNOTSUPP);
+        return false;
+    }
+    return true;
+}
+
 // The number of bytes sent, or SOCKET_ERROR: WSAENOTSOCK, WSAEFAULT for a negative length or a
 // null buffer with a length, WSAEOPNOTSUPP for unknown flags, WSAECONNRESET when the peer has
 // gone. Never raises SIGPIPE.
 int WINAPI send(SOCKET s, const char* buf, int len, int flags)
 {
-    int fd = Descriptor(s);
-    if (fd < 0) {
-        Fail(WSAENOTSOCK);
+    int fd, posixFlags;
+    if (!TransferArguments(s, buf, len, flags, &fd, &posixFlags))
         return SOCKET_ERROR;
-    }
-    if (len < 0 || (!buf && len > 0)) {
-        Fail(WSAEFAULT);
-        return SOCKET_ERROR;
-    }
-    int posixFlags = PosixFlags(kMsgFlags, std::size(kMsgFlags), flags);
-    if (posixFlags < 0) {
-        Fail(WSAEOPNOTSUPP);
-        return SOCKET_ERROR;
-    }
     ssize_t sent;
     do {
         sent = ::send(fd, buf, size_t(len), posixFlags | MSG_NOSIGNAL);
@@ -523,20 +533,9 @@ int WINAPI setsockopt(SOCKET s, int level, int optname, const char* optval, int 
 // for unknown flags, WSAECONNRESET after a reset by the peer.
 int WINAPI recv(SOCKET s, char* buf, int len, int flags)
 {
-    int fd = Descriptor(s);
-    if (fd < 0) {
-        Fail(WSAENOTSOCK);
+    int fd, posixFlags;
+    if (!TransferArguments(s, buf, len, flags, &fd, &posixFlags))
         return SOCKET_ERROR;
-    }
-    if (len < 0 || (!buf && len > 0)) {
-        Fail(WSAEFAULT);
-        return SOCKET_ERROR;
-    }
-    int posixFlags = PosixFlags(kMsgFlags, std::size(kMsgFlags), flags);
-    if (posixFlags < 0) {
-        Fail(WSAEOPNOTSUPP);
-        return SOCKET_ERROR;
-    }
     ssize_t got;
     do {
         got = ::recv(fd, buf, size_t(len), posixFlags);
