@@ -28,6 +28,7 @@
 #include "host/decl/spooler.h"
 #include "host/decl/user.h"
 #include "host/decl/compstui.h"
+#include "host/decl/commdlg.h"
 #include "host/decl/winsock.h"
 #endif
 
@@ -51,3 +52,4 @@ static_assert(offsetof(PRINTER_INFO_2W, Attributes) == 104, "PRINTER_INFO_2W.Att
 static_assert(sizeof(PORT_INFO_2W) == 32, "PORT_INFO_2W");
 static_assert(sizeof(OSVERSIONINFOW) == 276, "OSVERSIONINFOW");
 static_assert(sizeof(PROPSHEETUI_INFO) == 48, "PROPSHEETUI_INFO");
+static_assert(sizeof(OPENFILENAMEW) == 152, "OPENFILENAMEW");

@@ -23,26 +23,17 @@ BOOL AskAddressCancel(LPCWSTR, TVOPrinterConfiguration*, DEVMODEEX*, HWND, char*
 
 BOOL AskFileDefault(HWND hwnd, WCHAR* path, DWORD cchPath)
 {
-#ifdef _WIN32
     path[0] = 0;
     OPENFILENAMEW ofn = {};
     ofn.lStructSize = sizeof(ofn);
     ofn.hwndOwner = hwnd;
-    ofn.lpstrFilter = L"Text files\0*.TXT\0All files\0*.*\0";
+    ofn.lpstrFilter = TEXT("Text files\0*.TXT\0All files\0*.*\0");
     ofn.nFilterIndex = 1;
     ofn.lpstrFile = path;
     ofn.nMaxFile = cchPath;
-    ofn.lpstrTitle = L"pick a pjl file";
+    ofn.lpstrTitle = TEXT("pick a pjl file");
     ofn.Flags = OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST;
     return GetOpenFileNameW(&ofn);
-#else
-    // The host has no open dialog: a picker that cannot be shown is a picker cancelled.
-    (void)hwnd;
-    (void)path;
-    (void)cchPath;
-    Trace(TEXT("no file dialog on this platform: treated as Cancel"));
-    return FALSE;
-#endif
 }
 
 QLMRefreshQuestions g_questions = {AskAddressCancel, AskFileDefault};

@@ -36,7 +36,7 @@ struct QLMRefreshQuestions
 
 // The questions QLMRefresh asks. The printer address dialog is not part of the driver yet, so
 // the default address question answers Cancel. The default file question is the system's open
-// dialog where there is one (Windows) and Cancel elsewhere.
+// dialog (on the Linux host, answered by its user simulation).
 QLMRefreshQuestions QLMDefaultRefreshQuestions();
 // Replaces the questions (null members: the defaults); returns those that were in force.
 // Shared and unguarded, like the trace switches.

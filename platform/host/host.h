@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -124,6 +125,17 @@ void QueueMessageBoxAnswer(int answer);
 void ClearMessageBoxAnswers();
 std::vector<MessageBoxCall> MessageBoxCalls();
 void ClearMessageBoxCalls();
+
+// ---- File pickers -------------------------------------------------------------------------
+// GetOpenFileNameW takes the next queued answer: a path, returned as the user's choice, or
+// nothing, which is Cancel. With no answer queued the dialog is cancelled. A path that
+// OFN_FILEMUSTEXIST or OFN_PATHMUSTEXIST rules out is refused, as the dialog refuses it, and
+// the next answer is taken. Every dialog's title is recorded.
+void QueueFilePickerAnswer(std::optional<std::u16string> path);
+void ClearFilePickerAnswers();
+std::vector<std::u16string> FilePickerTitles();
+void ClearFilePickerTitles();
+
 // How often DebugBreak was called; it only breaks into a debugger that is attached.
 int DebugBreakCount();
 

@@ -5,6 +5,7 @@
 #include "driver/dialogue/pjlgrammar.h"
 #include "driver/dialogue/qlmrefresh.h"
 #include "pjlsim/pjlsim_support.h"
+#include "profile.h"
 #include "replies.h"
 #include "server.h"
 #include "support/hostprinter.h"
@@ -64,43 +65,23 @@ Seen Whole()
     return {2, true, true, true, u"F1", 1};
 }
 
-std::unique_ptr<pjlsim::Server> Serve(const char* address, std::vector<Fault> faults = {})
+std::unique_ptr<pjlsim::Server> Serve(const char* address, std::vector<Fault> faults = {},
+                                      const pjlsim::Profile& profile = pjlsim_test::SmallProfile())
 {
     pjlsim::ServerOptions options;
     options.address = address;
     options.port = 2000;
     options.faults = std::move(faults);
     options.delayMs = 1;
-    auto server = std::make_unique<pjlsim::Server>(pjlsim_test::SmallProfile(), options);
+    auto server = std::make_unique<pjlsim::Server>(profile, options);
     std::string error;
     EXPECT_TRUE(server->Start(&error)) << error;
     return server;
 }
 
-// The capture of the small profile's six replies, zero-terminated, as a file.
-std::string WriteCapture()
-{
-    std::string bytes;
-    for (int i = 0; kPJLQueries[i]; ++i)
-        bytes += pjlsim::BuildReply(pjlsim_test::SmallProfile(), kPJLQueries[i]).value_or("");
-    bytes += '\0';
-    std::string path =
-        ::testing::TempDir() + "qlm_refresh_capture_" + std::to_string(getpid()) + ".txt";
-    std::ofstream(path, std::ios::binary) << bytes;
-    return path;
-}
-
-std::u16string g_filePath;
 int g_addressAsks = 0;
 std::vector<std::string> g_addresses; // answered in turn; Cancel when used up
 
-BOOL AskFileGiven(HWND, WCHAR* path, DWORD cchPath)
-{
-    if (g_filePath.size() + 1 > cchPath)
-        return FALSE;
-    std::memcpy(path, g_filePath.c_str(), (g_filePath.size() + 1) * sizeof(WCHAR));
-    return TRUE;
-}
 BOOL AskFileCancel(HWND, WCHAR*, DWORD)
 {
     return FALSE;
@@ -119,7 +100,11 @@ BOOL AskAddressListed(LPCWSTR, TVOPrinterConfiguration*, DEVMODEEX*, HWND, char*
 class Refresh : public ::testing::Test
 {
 protected:
-    void TearDown() override { QLMSetRefreshQuestions(QLMDefaultRefreshQuestions()); }
+    void TearDown() override
+    {
+        QLMSetRefreshQuestions(QLMDefaultRefreshQuestions());
+        host::ClearFilePickerAnswers();
+    }
 
     // A queue whose port is named after address, a default record, and a configuration.
     void Queue(const char* address)
@@ -193,31 +178,52 @@ TEST_F(Refresh, APrinterOnItsPortNameFillsTheRecordWithoutAskingAnything)
     EXPECT_EQ(1u, server->Connections()) << "one connection carries all six queries";
 }
 
-TEST_F(Refresh, ACaptureFileGivesTheSameRecordAsThePrinterAndOpensNoSocket)
+// The fixture is a Plan 2440's six replies written out by hand; pjlsim answers from the same
+// printer's profile. Both roads must end in the same record.
+TEST_F(Refresh, AHandWrittenCaptureAndThePrinterGiveTheSameRecord)
 {
-    auto server = Serve("127.0.0.42");
+    const std::string source = QLM_TEST_SOURCE_DIR;
+    std::string error;
+    auto profile = pjlsim::LoadProfile(source + "/tools/pjlsim/profiles/plan2440.profile", &error);
+    ASSERT_TRUE(profile) << error;
+    auto server = Serve("127.0.0.42", {}, *profile);
     Queue("127.0.0.42");
     ASSERT_EQ(1, Run());
     const std::vector<uint8_t> fromPrinter = Bytes();
+    EXPECT_EQ(3, dm()->dmxNumRolls);
+    EXPECT_EQ(TVODevMode::GetRollSizeCode(u"Roll 24in"), dm()->dmxRollSize[1]);
+    EXPECT_EQ(TVODevMode::GetMediaTypeCode(u"PRESENTATION_360"), dm()->dmxRollType[1]);
+    EXPECT_EQ(TVODevMode::GetRollStatusCode(u"Empty"), dm()->dmxRollStatus[2]);
+    EXPECT_EQ(TVODevMode::GetFirmwareRev(u"12.2"), dm()->dmxFirmwareRevision);
+    EXPECT_TRUE(ListHas(dm()->dmxFontList, std::size(dm()->dmxFontList), u"COUR"));
+    EXPECT_TRUE(
+        ListHas(dm()->dmxRasterStampList, std::size(dm()->dmxRasterStampList), u"APPROVED"));
+    EXPECT_EQ(3u, dm()->dmxFinisher.numPrograms);
+    EXPECT_EQ(u"ANSI_A_WALLET", Text(dm()->dmxFinisher.programs[2].name,
+                                     std::size(dm()->dmxFinisher.programs[2].name)));
 
+    // From the file, picked in the open dialog.
     SetFromFile(1);
     NewRecord();
-    std::string path = WriteCapture();
-    g_filePath = std::u16string(path.begin(), path.end());
-    QLMSetRefreshQuestions({nullptr, AskFileGiven});
+    const std::string capture = source + "/tests/fixtures/pjl/plan2440.pjl";
+    host::ClearFilePickerTitles();
+    host::QueueFilePickerAnswer(std::u16string(capture.begin(), capture.end()));
     EXPECT_EQ(1, Run());
     EXPECT_EQ(fromPrinter, Bytes());
-    EXPECT_EQ(1u, server->Connections());
-    unlink(path.c_str());
+    EXPECT_EQ(std::vector<std::u16string>{u"pick a pjl file"}, host::FilePickerTitles());
+    EXPECT_EQ(1u, server->Connections()) << "a refresh from a file opens no socket";
 
-    // Without a file there is nothing to refresh from.
+    // Without a file there is nothing to refresh from: Cancel, no answer at all, or a file
+    // that is not there (the dialog refuses it, then the user cancels).
+    const std::optional<std::u16string> answers[] = {std::nullopt, u"/nonexistent/reply.pjl"};
+    for (const auto& answer : answers) {
+        NewRecord();
+        host::QueueFilePickerAnswer(answer);
+        EXPECT_EQ(0, Run());
+        EXPECT_TRUE(Untouched());
+    }
     NewRecord();
-    QLMSetRefreshQuestions({nullptr, AskFileCancel});
     EXPECT_EQ(0, Run());
-    EXPECT_TRUE(Untouched());
-    NewRecord();
-    QLMSetRefreshQuestions(QLMDefaultRefreshQuestions());
-    EXPECT_EQ(0, Run()) << "the host has no file dialog: it counts as cancelled";
     EXPECT_TRUE(Untouched());
     EXPECT_EQ(1u, server->Connections());
 }
@@ -254,7 +260,8 @@ TEST_F(Refresh, ARefusingPrinterOrAQueueWithoutPortLeavesTheRecordAlone)
 }
 
 // What a fault in one reply leaves: the replies before it. A reply that is all garbage ends the
-// parse, and a reply too big for the buffer leaves no room for those after it.
+// parse, and a reply too big for the buffer leaves no room for those after it. A reply that
+// comes a byte at a time is whole, and a printer that hangs up has said nothing.
 TEST_F(Refresh, AFaultyReplyKeepsWhatWasParsedBeforeIt)
 {
     struct Case
@@ -268,6 +275,9 @@ TEST_F(Refresh, AFaultyReplyKeepsWhatWasParsedBeforeIt)
         {"127.0.0.48", {FaultMode::Reset, "TVOFINISHER"}, {2, true, true, true, u"", 0}},
         {"127.0.0.49", {FaultMode::Big, "TVORASTERSTAMPS"}, {2, true, true, true, u"", 0}},
         {"127.0.0.50", {FaultMode::Garbage, ""}, {0, false, false, false, u"", 0}},
+        {"127.0.0.53", {FaultMode::Drip, "ID"}, Whole()},
+        {"127.0.0.54", {FaultMode::Drip, "TVOFINISHER"}, Whole()},
+        {"127.0.0.55", {FaultMode::Hangup, ""}, {0, false, false, false, u"", 0}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.address);

@@ -233,6 +233,49 @@ TEST(KernelUser, MessageBoxTakesQueuedAnswersAndRecordsCalls)
     EXPECT_TRUE(host::MessageBoxCalls().empty());
 }
 
+// The open dialog takes queued answers in turn: a path it can accept, Cancel, or a path the
+// dialog refuses (missing file), which costs the user another answer.
+TEST(KernelUser, OpenDialogTakesQueuedAnswers)
+{
+    const std::string existing = ::testing::TempDir() + "picked.pjl";
+    FILE* f = fopen(existing.c_str(), "w");
+    ASSERT_NE(nullptr, f);
+    fclose(f);
+    const std::u16string path = host::Utf8ToUtf16(existing);
+
+    WCHAR buffer[260];
+    OPENFILENAMEW ofn = {};
+    ofn.lStructSize = sizeof(ofn);
+    ofn.lpstrFile = buffer;
+    ofn.nMaxFile = 260;
+    ofn.lpstrTitle = u"pick";
+    ofn.Flags = OFN_FILEMUSTEXIST;
+    host::ClearFilePickerTitles();
+    host::QueueFilePickerAnswer(u"/nonexistent/reply.pjl");
+    host::QueueFilePickerAnswer(path);
+    host::QueueFilePickerAnswer(std::nullopt);
+    ASSERT_TRUE(GetOpenFileNameW(&ofn));
+    EXPECT_EQ(path, std::u16string(buffer));
+    EXPECT_EQ(path.rfind(u'/') + 1, ofn.nFileOffset);
+    EXPECT_EQ(path.size() - 3, ofn.nFileExtension);
+    EXPECT_FALSE(GetOpenFileNameW(&ofn)) << "Cancel";
+    EXPECT_EQ(0u, CommDlgExtendedError());
+    EXPECT_FALSE(GetOpenFileNameW(&ofn)) << "nothing queued: Cancel";
+    EXPECT_EQ((std::vector<std::u16string>{u"pick", u"pick", u"pick"}), host::FilePickerTitles());
+
+    // Too small a buffer: its first word tells the room needed.
+    ofn.nMaxFile = 4;
+    host::QueueFilePickerAnswer(path);
+    EXPECT_FALSE(GetOpenFileNameW(&ofn));
+    EXPECT_EQ(DWORD(FNERR_BUFFERTOOSMALL), CommDlgExtendedError());
+    EXPECT_EQ(path.size() + 1, buffer[0]);
+    ofn.lStructSize = 12;
+    EXPECT_FALSE(GetOpenFileNameW(&ofn));
+    EXPECT_EQ(DWORD(CDERR_STRUCTSIZE), CommDlgExtendedError());
+    host::ClearFilePickerAnswers();
+    remove(existing.c_str());
+}
+
 TEST(KernelUser, DebugOutputReachesTheSink)
 {
     std::vector<std::u16string> lines;
