@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# The main job: builds the Linux host, installs a queue of one plotter model in a fresh host
-# home, and shows what the driver tells an application about it: its capabilities and its
-# default settings record.
+# The main job: builds the Linux host, starts the simulated printer pjlsim on loopback, installs
+# a queue of one plotter model on a port that names it, lets the driver ask the printer, and
+# shows what the queue's record holds of the printer, then what the driver tells an application:
+# its capabilities and its default settings record.
 #
 #   bash scripts/demo.sh [MODEL]
 #
@@ -50,8 +51,7 @@ qlmhost printer list
 
 step "The spooler's notice of the new queue: the driver asks the printer and keeps the answer"
 qlmhost event "$queue" initialize
-qlmhost devmode show "$queue" | grep -E \
-  'dmxNumRolls|dmxRoll|dmxFirmwareRevision|dmxFontList|dmxDefaultFont|dmxRasterStampList|dmxDefaultStamp|dmxFinisherType|dmxFinisher|Model|Version|numPrograms|programs|name '
+qlmhost printer state "$queue"
 
 step "The driver library, loaded as the spooler loads it, answers at once"
 qlmhost driver "$queue"

@@ -51,6 +51,12 @@ public:
     static DWORD GetMediaTypeCode(LPCWSTR pszText);  // no match: 0
     // Compared without regard to case; no match: kFINISHER_NONE.
     static DWORD GetFinisherTypeCode(LPCWSTR pszText);
+    // A code back to the printer's word (the first row that gives it); null for none.
+    static LPCWSTR GetFirmwareRevText(LONG lCode);
+    static LPCWSTR GetRollSizeText(DWORD code);
+    static LPCWSTR GetRollStatusText(DWORD code);
+    static LPCWSTR GetMediaTypeText(DWORD code);
+    static LPCWSTR GetFinisherTypeText(DWORD code);
     // A platform paper code to the driver's own, or 119 when there is none.
     static short convertDMPaperSize(short code);
     // Rolls 1 to 6 and manual feed stand; anything else becomes automatic.

@@ -25,6 +25,16 @@ LONG LookUp(const TextCode (&table)[N], LPCWSTR pszText, LONG lNoMatch, bool bIg
     return lNoMatch;
 }
 
+// The other way: the first row's text for a code, as tools and displays name it.
+template <size_t N> LPCWSTR TextOf(const TextCode (&table)[N], LONG lCode)
+{
+    for (const TextCode& row : table) {
+        if (row.lCode == lCode)
+            return row.pszText;
+    }
+    return nullptr;
+}
+
 // Firmware levels by ordinal. 18, 19, 20 and 23 are unused, and "4.1" has no row: the code
 // that compares revisions works with these ordinals.
 const TextCode kFirmwareRevisions[] = {
@@ -126,6 +136,31 @@ DWORD TVODevMode::GetMediaTypeCode(LPCWSTR pszText)
 DWORD TVODevMode::GetFinisherTypeCode(LPCWSTR pszText)
 {
     return static_cast<DWORD>(LookUp(kFinisherTypes, pszText, kFINISHER_NONE, true));
+}
+
+LPCWSTR TVODevMode::GetFirmwareRevText(LONG lCode)
+{
+    return TextOf(kFirmwareRevisions, lCode);
+}
+
+LPCWSTR TVODevMode::GetRollSizeText(DWORD code)
+{
+    return TextOf(kRollSizes, static_cast<LONG>(code));
+}
+
+LPCWSTR TVODevMode::GetRollStatusText(DWORD code)
+{
+    return TextOf(kRollStatuses, static_cast<LONG>(code));
+}
+
+LPCWSTR TVODevMode::GetMediaTypeText(DWORD code)
+{
+    return TextOf(kMediaTypes, static_cast<LONG>(code));
+}
+
+LPCWSTR TVODevMode::GetFinisherTypeText(DWORD code)
+{
+    return TextOf(kFinisherTypes, static_cast<LONG>(code));
 }
 
 short TVODevMode::convertDMPaperSize(short code)

@@ -319,6 +319,23 @@ void ProcessRollTokens(const PJLTokenValue* tokens, DWORD index, TVOPJLConfig* p
               token);
 }
 
+BOOL QLMTokenValueIsText(DWORD token)
+{
+    static const DWORD kTextTokens[] = {
+        TOKEN_INQUIRE_PRTACCTMODE,    TOKEN_INQUIRE_LABELFONT,   TOKEN_INQUIRE_RASTERSTAMPID,
+        TOKEN_INFO_ESS_SW_REV,        TOKEN_INFO_SCANNER_TYPE,   TOKEN_INFO_MODEM_TYPE,
+        TOKEN_INFO_FINISHER_TYPE,     TOKEN_INFO_TVOFONTS,       TOKEN_INFO_RASTERSTAMP,
+        TOKEN_INFO_FINISHER_MODEL,    TOKEN_INFO_FINISHER_VER,   TOKEN_INFO_FINISHER_FAN,
+        TOKEN_INFO_FINISHER_CROSS,    TOKEN_INFO_FINISHER_PUNCH, TOKEN_INFO_FINISHER_TAB,
+        TOKEN_INFO_FINISHER_PROGRAMS,
+    };
+    for (DWORD text : kTextTokens) {
+        if (text == token)
+            return 1;
+    }
+    return 0;
+}
+
 void getValuesFromTokens(TVOPJLConfig* pjlConfig, const PJLTokenValue* tokens, DWORD count,
                          const char* buffer, DWORD cbBuffer)
 {

@@ -82,6 +82,9 @@ void QLMFreePJLConfig(TVOPJLConfig* pjlConfig);
 // values are offsets into buffer (cbBuffer bytes), the buffer the tokens were parsed from.
 void getValuesFromTokens(TVOPJLConfig* pjlConfig, const PJLTokenValue* tokens, DWORD count,
                          const char* buffer, DWORD cbBuffer);
+// TRUE for the tokens whose value the decoder reads as text: the byte offset of a line, or of a
+// list that runs to the formfeed. Every other value is a number or a list index.
+BOOL QLMTokenValueIsText(DWORD token);
 // One roll, manual-feed size, type or state token into its name.
 void ProcessRollTokens(const PJLTokenValue* tokens, DWORD index, TVOPJLConfig* pjlConfig);
 // The names into record codes, through a TVODevMode view of dm.

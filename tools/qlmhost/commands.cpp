@@ -700,6 +700,22 @@ const Command g_Commands[] = {
      "  TCP port 2000); delete and delete-connection remove the queue's per-user key. Other\n"
      "  events, by name (add-connection, cache-refresh, cache-delete, attributes-changed) or\n"
      "  number, are answered without action. Exit 0 when the driver answers TRUE."},
+    {"refresh", "PRINTER [--capture FILE] [--json]",
+     "Asks the queue's printer what it is and stores the answer in the queue's record.",
+     RefreshCommand,
+     "The driver's refresh runs on the queue's stored record: the port's address, TCP port\n"
+     "  2000, six PJL queries; the record is stored again and what the printer said is shown.\n"
+     "  When no address answers, the global --address TEXT answers the address question once.\n"
+     "  --capture FILE reads the six replies from FILE instead of the printer: the driver's\n"
+     "  debug switch DBG_BidiFromFile is on for the run and FILE is picked in the open dialog.\n"
+     "  Exit 1, the record unchanged, when no printer answers or a question is cancelled."},
+    {"parse", "FILE [--json]", "Shows the PJL tokens the driver's parser finds in a capture.",
+     ParseCommand,
+     "FILE is read as the refresh reads a capture: its first 32768 bytes. Each token shows its\n"
+     "  name, code and value; text values show their line, roll values their name."},
+    {"printer state", "PRINTER [--json]",
+     "Shows what the queue's record holds of its printer: rolls, firmware, fonts, finisher.",
+     PrinterStateCommand},
     {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
      DevmodeLayout},
     {"devmode new", "PRINTER [--json]",

@@ -4,6 +4,7 @@
 
 #include "platform/win32.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,8 @@ struct Options
 {
     bool json = false;
     std::string driverLibrary; // QLMUIDrv.so to load
+    // The answer to the printer address question, when the user gave one.
+    std::optional<std::string> address;
 };
 
 // The words of one command line after the global options, with its flags picked out.
@@ -74,9 +77,17 @@ private:
 // A parsed number with bounds; false for anything else.
 bool ParseNumber(const std::string& text, long long low, long long high, long long* value);
 
+// The queue's stored record through GetPrinterW level 2, as *info holds it and as a copy in
+// *record (empty when the queue has none); false with *error when the queue cannot be read.
+bool StoredRecord(HANDLE hPrinter, std::vector<BYTE>* info, std::vector<BYTE>* record,
+                  std::string* error);
+
 // The commands of the other units.
 int CapsCommand(Args& args, const Options& options);
 int EventCommand(Args& args, const Options& options);
+int RefreshCommand(Args& args, const Options& options);
+int ParseCommand(Args& args, const Options& options);
+int PrinterStateCommand(Args& args, const Options& options);
 int DevmodeLayout(Args& args, const Options& options);
 int DevmodeNew(Args& args, const Options& options);
 int DevmodeShow(Args& args, const Options& options);

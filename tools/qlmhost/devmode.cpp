@@ -87,27 +87,6 @@ int ReportProblems(const std::vector<std::string>& problems)
     return problems.empty() ? 0 : 1;
 }
 
-// The queue's stored record through GetPrinterW level 2; false with *error when the queue
-// cannot be read. An empty *record: the queue has none.
-bool StoredRecord(HANDLE hPrinter, std::vector<BYTE>* info, std::vector<BYTE>* record,
-                  std::string* error)
-{
-    DWORD needed = 0;
-    GetPrinterW(hPrinter, 2, nullptr, 0, &needed);
-    info->assign(needed, 0);
-    if (!needed || !GetPrinterW(hPrinter, 2, info->data(), needed, &needed)) {
-        *error = "GetPrinter: " + Win32Error(GetLastError());
-        return false;
-    }
-    const auto* pi = reinterpret_cast<const PRINTER_INFO_2W*>(info->data());
-    record->clear();
-    if (pi->pDevMode) {
-        const BYTE* p = reinterpret_cast<const BYTE*>(pi->pDevMode);
-        record->assign(p, p + pi->pDevMode->dmSize + pi->pDevMode->dmDriverExtra);
-    }
-    return true;
-}
-
 struct ConvertMode
 {
     const char* name;
@@ -154,6 +133,25 @@ std::vector<BYTE> SkeletonRecord()
 }
 
 } // namespace
+
+bool StoredRecord(HANDLE hPrinter, std::vector<BYTE>* info, std::vector<BYTE>* record,
+                  std::string* error)
+{
+    DWORD needed = 0;
+    GetPrinterW(hPrinter, 2, nullptr, 0, &needed);
+    info->assign(needed, 0);
+    if (!needed || !GetPrinterW(hPrinter, 2, info->data(), needed, &needed)) {
+        *error = "GetPrinter: " + Win32Error(GetLastError());
+        return false;
+    }
+    const auto* pi = reinterpret_cast<const PRINTER_INFO_2W*>(info->data());
+    record->clear();
+    if (pi->pDevMode) {
+        const BYTE* p = reinterpret_cast<const BYTE*>(pi->pDevMode);
+        record->assign(p, p + pi->pDevMode->dmSize + pi->pDevMode->dmDriverExtra);
+    }
+    return true;
+}
 
 int DevmodeLayout(Args& args, const Options& options)
 {

@@ -16,8 +16,9 @@ namespace {
 void PrintHelp()
 {
     printf("usage: qlmhost [--home DIR] [--user NAME] [--metric|--us] [--os-major N]\n"
-           "               [--driver-lib PATH] COMMAND ... [--json]\n\n"
-           "State lives in DIR (default $QLMHOST_HOME, else ~/.qlmhost).\n\ncommands:\n");
+           "               [--driver-lib PATH] [--address TEXT] COMMAND ... [--json]\n\n"
+           "State lives in DIR (default $QLMHOST_HOME, else ~/.qlmhost). --address answers the\n"
+           "printer address question of a refresh that reaches no printer.\n\ncommands:\n");
     for (size_t i = 0; i < g_cCommands; i++)
         printf("  %-14s %s\n  %-14s   %s\n", g_Commands[i].name, g_Commands[i].usage, "",
                g_Commands[i].summary);
@@ -59,6 +60,8 @@ int main(int argc, char** argv)
             osMajor = words[++i];
         else if (w == "--driver-lib" && hasValue)
             options.driverLibrary = words[++i];
+        else if (w == "--address" && hasValue)
+            options.address = words[++i];
         else if (w == "--metric")
             metric = 1;
         else if (w == "--us")

@@ -211,6 +211,21 @@ std::string FixedText(long long thousandths)
     return text;
 }
 
+// The names of a list field: NUL-terminated names up to an empty one or the field's end.
+std::vector<std::u16string> BoundedList(const BYTE* p, size_t cch)
+{
+    std::vector<std::u16string> names;
+    size_t i = 0;
+    while (i < cch) {
+        std::u16string name = BoundedText(p + 2 * i, cch - i);
+        if (name.empty())
+            break;
+        i += name.size() + 1;
+        names.push_back(std::move(name));
+    }
+    return names;
+}
+
 namespace {
 
 // One element of a numeric field, widened to a signed 64-bit value.
@@ -229,21 +244,6 @@ long long Element(const BYTE* p, const DEVMODEEX_FIELD& field, DWORD index)
     memcpy(&d, e, 4);
     // Each arm widened on its own: a ternary of int32_t and uint32_t would be unsigned.
     return bSigned ? static_cast<long long>(static_cast<int32_t>(d)) : static_cast<long long>(d);
-}
-
-// The names of a list field: NUL-terminated names up to an empty one or the field's end.
-std::vector<std::u16string> BoundedList(const BYTE* p, size_t cch)
-{
-    std::vector<std::u16string> names;
-    size_t i = 0;
-    while (i < cch) {
-        std::u16string name = BoundedText(p + 2 * i, cch - i);
-        if (name.empty())
-            break;
-        i += name.size() + 1;
-        names.push_back(std::move(name));
-    }
-    return names;
 }
 
 std::string ElementText(const BYTE* p, const DEVMODEEX_FIELD& field, DWORD index)
@@ -289,6 +289,8 @@ DWORD ProgramsShown(const BYTE* info, size_t cb)
 void FieldsToJson(JsonWriter& json, const DEVMODEEX_FIELD* fields, size_t cFields, const BYTE* base,
                   size_t cb);
 
+} // namespace
+
 void FinisherToJson(JsonWriter& json, const char* key, const BYTE* info, size_t cb)
 {
     if (cb > sizeof(TVOFinisherInfo))
@@ -310,6 +312,8 @@ void FinisherToJson(JsonWriter& json, const char* key, const BYTE* info, size_t 
     }
     json.EndObject();
 }
+
+namespace {
 
 void FieldsToJson(JsonWriter& json, const DEVMODEEX_FIELD* fields, size_t cFields, const BYTE* base,
                   size_t cb)

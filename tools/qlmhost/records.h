@@ -42,6 +42,14 @@ std::string TextQuote(const std::u16string& text);
 // not be aligned.
 std::u16string BoundedText(const BYTE* p, size_t cch);
 
+// The names of a list field of cch units: zero-terminated names up to an empty one or the
+// field's end.
+std::vector<std::u16string> BoundedList(const BYTE* p, size_t cch);
+
+// A finisher block of cb bytes (at most a whole TVOFinisherInfo is read) as a JSON object: its
+// fields and its first min(numPrograms, 20) programs.
+void FinisherToJson(JsonWriter& json, const char* key, const BYTE* info, size_t cb);
+
 // Thousandths as a decimal number without trailing zeros: 200 is "0.2", -1500 is "-1.5".
 std::string FixedText(long long thousandths);
 
