@@ -5,131 +5,127 @@
 
 #include <algorithm>
 #include <set>
+#include <sstream>
 
 using namespace configtest;
 
 namespace {
 
-// The rows of a list, "id=value" in list order.
+// Each list shared by all models: its length and sample rows, "position:id=value".
 struct ListCase
 {
     const char* name;
     TVOList TVOPrinterConfiguration::*member;
-    std::string rows;
+    size_t count;
+    const char* samples;
 };
-
-std::string Range(DWORD firstId, DWORD lastId, DWORD firstValue)
-{
-    std::string text;
-    for (DWORD id = firstId; id <= lastId; id++)
-        text += " " + std::to_string(id) + "=" + std::to_string(firstValue++);
-    return text;
-}
 
 std::vector<ListCase> SharedLists()
 {
     using C = TVOPrinterConfiguration;
     return {
-        {"m_FirmwareList", &C::m_FirmwareList,
-         "5913=5 5915=6 5916=7 5917=8 5918=9 5919=10 5920=11 5921=12 5922=13 5923=14 5924=15 "
-         "5925=16 5926=17 5928=18 5929=19 5930=20 5927=21 5931=22 5932=23 5933=24 5934=25 5935=26 "
-         "5936=27 5937=28"},
-        {"m_PaperGroupStandard", &C::m_PaperGroupStandard, "5713=257 5714=258"},
-        {"m_PaperGroupAnsi", &C::m_PaperGroupAnsi, "5715=259 5716=260 5717=261 5718=262 5719=263"},
-        {"m_PaperGroupArch", &C::m_PaperGroupArch,
-         "5720=264 5721=265 5722=266 5701=267 5702=268 5703=269"},
-        {"m_PaperGroupCustom", &C::m_PaperGroupCustom, "5728=256"},
-        {"m_UserMediaCategoryList", &C::m_UserMediaCategoryList,
-         "5723=0 5724=1 5725=2 5726=3 5727=4 5610=5 5611=6 5614=7 5615=8 5617=9 5618=10 5619=11 "
-         "5620=12 5621=13 5604=21 5631=22 5603=23 5630=24 5602=25 5641=26 5605=27 5629=28 5608=29 "
-         "5601=30 5606=31 5607=32 5609=33"},
-        {"m_BinList", &C::m_BinList,
-         "5401=257 5402=258 5403=259 5404=260 5405=261 5406=262 5252=4 5251=7"},
-        {"m_MediaTypeList", &C::m_MediaTypeList, "5253=0 5254=1 5255=2 5256=3"},
-        {"m_RollSizeList", &C::m_RollSizeList,
-         "5610=0 5611=1 5614=2 5615=3 5617=4 5618=5 5619=6 5620=7 5621=8 5604=16 5631=17 5603=18 "
-         "5630=19 5602=20 5641=21 5605=22 5629=23 5608=24 5601=25 5606=26 5607=27 5609=28"},
-        {"m_SheetSizeList", &C::m_SheetSizeList,
-         "5713=1 5714=2 5715=3 5716=4 5717=5 5718=6 5719=7 5720=8 5721=9 5722=10 5701=11 5702=12 "
-         "5703=13 5704=14 5705=15 5706=16 5707=17 5708=18 5709=22 5710=21 5711=20 5712=19"},
-        {"m_ScaleToPaperList", &C::m_ScaleToPaperList,
-         Range(5713, 5722, 1) + Range(5701, 5708, 11) +
-             " 5712=19 5711=20 5710=21 5709=22 5610=23 5611=24 5614=25 5615=26 5617=27 5618=28 "
-             "5619=29 5620=30 5621=31 5604=39 5631=40 5603=41 5630=42 5602=43 5605=44 5629=45 "
-             "5608=46 5601=47 5606=48 5607=49 5609=50"},
-        {"m_ReservedList", &C::m_ReservedList, "5802=0 5803=1 5804=2 5801=3"},
-        {"m_FinishingList", &C::m_FinishingList, "5217=0 5218=8 5219=9"},
-        {"m_BannerList", &C::m_BannerList, "5200=0 5201=1 5202=2 5203=3"},
-        {"m_LabelList", &C::m_LabelList, "5204=0 5205=1 5206=2"},
-        {"m_StampList", &C::m_StampList, "5207=0 5208=1 5209=2"},
-        {"m_PlotNestList", &C::m_PlotNestList, "5210=0 5211=1 5212=2"},
-        {"m_MismatchList", &C::m_MismatchList, "5213=0 5214=1 5215=2 5216=3"},
-        {"m_QualityModeList", &C::m_QualityModeList, "5026=0 5001=1 5002=2"},
-        {"m_RenderModeList", &C::m_RenderModeList, "5230=0 5231=1"},
-        {"m_GraphicsList2", &C::m_GraphicsList2, "5022=1 5023=0 5024=2"},
-        {"m_VectorList", &C::m_VectorList, "5034=0 5035=1"},
-        {"m_RasterMethodList", &C::m_RasterMethodList, "5039=0 5040=1"},
-        {"m_GrayscaleList", &C::m_GrayscaleList, "5036=0 5037=1"},
-        {"m_GraphicsList1", &C::m_GraphicsList1, "5112=0 5113=1 5114=2 5115=3 5116=4"},
-        {"m_StampRotationList", &C::m_StampRotationList, "5112=0 5113=1 5114=2 5115=3"},
-        {"m_RenderList", &C::m_RenderList, "5350=0 5351=1 5352=2"},
-        {"m_MarginPlacementXList", &C::m_MarginPlacementXList, "5450=0 5452=2 5451=1 5456=5"},
-        {"m_StampPlacementXList", &C::m_StampPlacementXList, "5450=0 5452=2 5451=1 5456=5"},
-        {"m_MarginPlacementYList", &C::m_MarginPlacementYList, "5457=7 5452=2 5458=8 5456=5"},
-        {"m_StampPlacementYList", &C::m_StampPlacementYList, "5457=7 5452=2 5458=8 5456=5"},
-        {"m_LabelPlacementYList", &C::m_LabelPlacementYList, "5457=7 5452=2 5458=8 5456=5"},
-        {"m_LabelPlacementXList", &C::m_LabelPlacementXList,
-         "5450=0 5452=2 5451=1 5453=3 5454=4 5456=5"},
-        {"m_LabelFontFamily", &C::m_LabelFontFamily,
-         "4033=0 4035=1 4037=2 4034=3 4036=4 4040=5 4041=6 4038=7 4039=8" + Range(4017, 4032, 9) +
-             " 4001=25 4002=26 4004=27 4005=28 4007=29 4006=30 4012=31 4013=32 4015=33 4014=34 "
-             "4008=35 4009=36 4011=37 4010=38 4003=39 4016=40"},
-        {"m_FinishOptionList", &C::m_FinishOptionList, "5220=0 5221=1 5222=2 5223=3 5224=4"},
+        {"m_FirmwareList", &C::m_FirmwareList, 24, "0:5913=5 13:5928=18 16:5927=21 23:5937=28"},
+        {"m_PaperGroupStandard", &C::m_PaperGroupStandard, 2, "0:5713=257 1:5714=258"},
+        {"m_PaperGroupAnsi", &C::m_PaperGroupAnsi, 5, "0:5715=259 4:5719=263"},
+        {"m_PaperGroupArch", &C::m_PaperGroupArch, 6, "2:5722=266 3:5701=267 5:5703=269"},
+        {"m_PaperGroupCustom", &C::m_PaperGroupCustom, 1, "0:5728=256"},
+        {"m_UserMediaCategoryList", &C::m_UserMediaCategoryList, 27,
+         "0:5723=0 4:5727=4 5:5610=5 14:5604=21 26:5609=33"},
+        {"m_BinList", &C::m_BinList, 8, "0:5401=257 5:5406=262 6:5252=4 7:5251=7"},
+        {"m_MediaTypeList", &C::m_MediaTypeList, 4, "0:5253=0 3:5256=3"},
+        {"m_RollSizeList", &C::m_RollSizeList, 22, "0:5610=0 8:5621=8 9:5604=16 21:5609=28"},
+        {"m_SheetSizeList", &C::m_SheetSizeList, 22, "0:5713=1 10:5701=11 18:5709=22 21:5712=19"},
+        {"m_ScaleToPaperList", &C::m_ScaleToPaperList, 43,
+         "0:5713=1 10:5701=11 18:5712=19 22:5610=23 31:5604=39 42:5609=50"},
+        {"m_ReservedList", &C::m_ReservedList, 4, "0:5802=0 3:5801=3"},
+        {"m_FinishingList", &C::m_FinishingList, 3, "0:5217=0 1:5218=8 2:5219=9"},
+        {"m_BannerList", &C::m_BannerList, 4, "0:5200=0 3:5203=3"},
+        {"m_LabelList", &C::m_LabelList, 3, "0:5204=0 2:5206=2"},
+        {"m_StampList", &C::m_StampList, 3, "0:5207=0 2:5209=2"},
+        {"m_PlotNestList", &C::m_PlotNestList, 3, "0:5210=0 2:5212=2"},
+        {"m_MismatchList", &C::m_MismatchList, 4, "0:5213=0 3:5216=3"},
+        {"m_QualityModeList", &C::m_QualityModeList, 3, "0:5026=0 1:5001=1 2:5002=2"},
+        {"m_RenderModeList", &C::m_RenderModeList, 2, "0:5230=0 1:5231=1"},
+        {"m_GraphicsList2", &C::m_GraphicsList2, 3, "0:5022=1 1:5023=0 2:5024=2"},
+        {"m_VectorList", &C::m_VectorList, 2, "0:5034=0 1:5035=1"},
+        {"m_RasterMethodList", &C::m_RasterMethodList, 2, "0:5039=0 1:5040=1"},
+        {"m_GrayscaleList", &C::m_GrayscaleList, 2, "0:5036=0 1:5037=1"},
+        {"m_GraphicsList1", &C::m_GraphicsList1, 5, "0:5112=0 4:5116=4"},
+        {"m_StampRotationList", &C::m_StampRotationList, 4, "0:5112=0 3:5115=3"},
+        {"m_RenderList", &C::m_RenderList, 3, "0:5350=0 2:5352=2"},
+        {"m_MarginPlacementXList", &C::m_MarginPlacementXList, 4, "1:5452=2 2:5451=1 3:5456=5"},
+        {"m_StampPlacementXList", &C::m_StampPlacementXList, 4, "1:5452=2 2:5451=1 3:5456=5"},
+        {"m_MarginPlacementYList", &C::m_MarginPlacementYList, 4, "0:5457=7 2:5458=8 3:5456=5"},
+        {"m_StampPlacementYList", &C::m_StampPlacementYList, 4, "0:5457=7 2:5458=8 3:5456=5"},
+        {"m_LabelPlacementYList", &C::m_LabelPlacementYList, 4, "0:5457=7 2:5458=8 3:5456=5"},
+        {"m_LabelPlacementXList", &C::m_LabelPlacementXList, 6, "3:5453=3 4:5454=4 5:5456=5"},
+        {"m_LabelFontFamily", &C::m_LabelFontFamily, 41,
+         "0:4033=0 8:4039=8 9:4017=9 24:4032=24 25:4001=25 40:4016=40"},
+        {"m_FinishOptionList", &C::m_FinishOptionList, 5, "0:5220=0 4:5224=4"},
     };
 }
 
-const char* const kFullPaperList =
-    "5713=257 5714=258 5715=259 5716=260 5717=261 5718=262 5719=263 5720=264 5721=265 5722=266 "
-    "5701=267 5702=268 5703=269 5704=270 5705=271 5706=272 5707=273 5708=274 5712=275 5711=276 "
-    "5710=277 5709=278 5728=256";
-const char* const kNarrowPaperList =
-    "5713=257 5714=258 5715=259 5716=260 5717=261 5718=262 5719=263 5720=264 5721=265 5722=266 "
-    "5701=267 5702=268 5703=269 5704=270 5705=271 5706=272 5707=273 5708=274 5728=256";
+// The rows of the list at the positions the samples name.
+void ExpectSamples(const Rows& rows, const std::string& samples, const std::string& what)
+{
+    std::istringstream in(samples);
+    std::string sample;
+    while (in >> sample) {
+        size_t colon = sample.find(':');
+        size_t at = std::stoul(sample.substr(0, colon));
+        ASSERT_LT(at, rows.size()) << what << " " << sample;
+        EXPECT_EQ(rows[at], ParseRows(sample.substr(colon + 1))[0]) << what << " " << sample;
+    }
+}
 
 TEST(ConfigLists, TheListsOfAllModelsHaveTheirRowsInOrder)
 {
     const std::vector<ListCase> lists = SharedLists();
     for (DWORD model = 0; model < kNUM_MODELS; model++) {
         auto config = MakeConfig(model);
-        for (const ListCase& list : lists)
-            EXPECT_EQ(ListRows(config.get()->*list.member), ParseRows(list.rows))
-                << list.name << ", model " << model;
+        const std::string what = "model " + std::to_string(model);
+        for (const ListCase& list : lists) {
+            const Rows rows = ListRows(config.get()->*list.member);
+            EXPECT_EQ(rows.size(), list.count) << list.name << ", " << what;
+            ExpectSamples(rows, list.samples, list.name + (", " + what));
+            std::set<DWORD> values;
+            for (const auto& row : rows)
+                EXPECT_TRUE(values.insert(row.second).second) << list.name << " value twice";
+        }
+        // The paper list is the groups in order; the narrow model has no large ISO sizes.
         const bool narrow = model == kMODEL_318P;
-        EXPECT_EQ(ListRows(config->m_PaperList),
-                  ParseRows(narrow ? kNarrowPaperList : kFullPaperList))
-            << "model " << model;
-        EXPECT_EQ(ListRows(config->m_PaperGroupIso),
-                  ParseRows(narrow ? "5704=270 5705=271 5706=272 5707=273 5708=274"
-                                   : "5704=270 5705=271 5706=272 5707=273 5708=274 5712=275 "
-                                     "5711=276 5710=277 5709=278"))
-            << "model " << model;
+        Rows papers;
+        for (TVOList group :
+             {config->m_PaperGroupStandard, config->m_PaperGroupAnsi, config->m_PaperGroupArch,
+              config->m_PaperGroupIso, config->m_PaperGroupCustom}) {
+            Rows rows = ListRows(group);
+            papers.insert(papers.end(), rows.begin(), rows.end());
+        }
+        EXPECT_EQ(ListRows(config->m_PaperList), papers) << what;
+        const Rows iso = ListRows(config->m_PaperGroupIso);
+        EXPECT_EQ(iso.size(), narrow ? 5u : 9u) << what;
+        ExpectSamples(iso, narrow ? "0:5704=270 4:5708=274" : "0:5704=270 5:5712=275 8:5709=278",
+                      what);
     }
 }
 
 TEST(ConfigLists, ThePaperSizeTableHasTwentyEightRowsByCode)
 {
-    const POINT kSizes[kNUM_PAPER_SIZES] = {
-        {2159, 2794},  {2794, 4318},  {2159, 2794},  {2794, 4318}, {4318, 5588}, {5588, 8636},
-        {8636, 11176}, {2286, 3048},  {3048, 4572},  {4572, 6096}, {6096, 9144}, {9144, 12192},
-        {7620, 10668}, {8410, 11890}, {5940, 8410},  {4200, 5940}, {2970, 4200}, {2100, 2970},
-        {7070, 10000}, {5000, 7070},  {3530, 5000},  {2500, 3530}, {2159, 2794}, {9144, 32767},
-        {9144, 32767}, {9144, 32767}, {9144, 32767}, {9144, 32767}};
     TVOPrinterConfiguration config(u"TVO 2410");
     ASSERT_NE(config.m_PaperSizes, nullptr);
-    for (int i = 0; i < kNUM_PAPER_SIZES; i++) {
-        EXPECT_EQ(config.m_PaperSizes[i].x, kSizes[i].x) << "code " << 257 + i;
-        EXPECT_EQ(config.m_PaperSizes[i].y, kSizes[i].y) << "code " << 257 + i;
+    const struct
+    {
+        int code;
+        LONG x, y;
+    } kSamples[] = {{257, 2159, 2794},  {258, 2794, 4318},  {263, 8636, 11176},
+                    {270, 8410, 11890}, {274, 2100, 2970},  {278, 2500, 3530},
+                    {279, 2159, 2794},  {280, 9144, 32767}, {284, 9144, 32767}};
+    for (const auto& s : kSamples) {
+        EXPECT_EQ(config.m_PaperSizes[s.code - 257].x, s.x) << "code " << s.code;
+        EXPECT_EQ(config.m_PaperSizes[s.code - 257].y, s.y) << "code " << s.code;
     }
+    for (int i = 0; i < kNUM_PAPER_SIZES; i++)
+        EXPECT_LT(config.m_PaperSizes[i].x, config.m_PaperSizes[i].y) << "portrait, " << 257 + i;
 }
 
 // Every identifier a list names, and each text the configuration loads by number, is in the

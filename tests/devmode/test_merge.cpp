@@ -32,16 +32,14 @@ std::vector<uint8_t> StoredRecord(const std::u16string& printer)
     return record.devMode;
 }
 
-void StoreRecord(const std::u16string& name, const std::vector<uint8_t>& bytes,
-                 const std::u16string& port = u"LPT1:")
+// A queue of the 2440 on a parallel port with the record stored.
+struct StoredQueue : HostPrinter
 {
-    host::PrinterRecord printer;
-    printer.name = name;
-    printer.driverName = u"Tarvo Plan Output System 2440";
-    printer.portName = port;
-    printer.devMode = bytes;
-    ASSERT_TRUE(host::AddPrinter(printer));
-}
+    StoredQueue(const std::u16string& name, const std::vector<uint8_t>& bytes)
+        : HostPrinter(name, u"Tarvo Plan Output System 2440", u"LPT1:", bytes)
+    {
+    }
+};
 
 // A record of another driver: a plain public part.
 std::vector<uint8_t> ForeignRecord(WORD dmSize)
@@ -78,18 +76,15 @@ TEST(GetDeviceMode, OwnRecordIsTakenWholeAndNotSavedAgain)
     AsRecord(bytes)->dmxPriority = 9;
     AsRecord(bytes)->dmPublic.dmFields = 0; // repaired in the copy, not in the store
     AsRecord(bytes)->dmxAccountingMode = 0;
-    StoreRecord(u"Plan", bytes);
-    HANDLE hPrinter = nullptr;
-    ASSERT_TRUE(OpenPrinterW(const_cast<LPWSTR>(u"Plan"), &hPrinter, nullptr));
-    TVODevMode dm(hPrinter);
-    dm.getDeviceMode(hPrinter, TEXT(""), nullptr, TEXT(""));
+    StoredQueue queue(u"Plan", bytes);
+    TVODevMode dm(queue.handle());
+    dm.getDeviceMode(queue.handle(), TEXT(""), nullptr, TEXT(""));
     EXPECT_EQ(17, dm.m_lpDM->dmPublic.dmCopies);
     EXPECT_EQ(9, dm.m_lpDM->dmxPriority);
     EXPECT_EQ(kTVO_DM_FIELDS, dm.m_lpDM->dmPublic.dmFields);
     EXPECT_EQ(1u, dm.m_lpDM->dmxAccountingMode) << "a parallel port cannot be asked";
     std::vector<uint8_t> stored = StoredRecord(u"Plan");
     EXPECT_EQ(0u, AsRecord(stored)->dmPublic.dmFields) << "not saved again";
-    ClosePrinter(hPrinter);
 }
 
 TEST(GetDeviceMode, OlderOwnRecordKeepsOnlyItsPublicPart)
@@ -101,26 +96,21 @@ TEST(GetDeviceMode, OlderOwnRecordKeepsOnlyItsPublicPart)
     pOld->dmPublic.dmCopies = 4;
     pOld->dmPublic.dmOrientation = DMORIENT_LANDSCAPE;
     pOld->dmxBannerPage = 3; // private: the defaults win
-    StoreRecord(u"Old", bytes);
-    HANDLE hPrinter = nullptr;
-    ASSERT_TRUE(OpenPrinterW(const_cast<LPWSTR>(u"Old"), &hPrinter, nullptr));
-    TVODevMode dm(hPrinter);
-    dm.getDeviceMode(hPrinter, TEXT(""), TEXT(""), TEXT(""));
+    StoredQueue queue(u"Old", bytes);
+    TVODevMode dm(queue.handle());
+    dm.getDeviceMode(queue.handle(), TEXT(""), TEXT(""), TEXT(""));
     EXPECT_EQ(4, dm.m_lpDM->dmPublic.dmCopies);
     EXPECT_EQ(DMORIENT_LANDSCAPE, dm.m_lpDM->dmPublic.dmOrientation);
     EXPECT_EQ(1u, dm.m_lpDM->dmxBannerPage);
     EXPECT_TRUE(IsOwnCurrentDevmode(&dm.m_lpDM->dmPublic));
     EXPECT_EQ(kDEVMODEEX1_SIZE, StoredRecord(u"Old").size()) << "not written back";
-    ClosePrinter(hPrinter);
 }
 
 TEST(GetDeviceMode, ForeignRecordIsRepairedThroughTheMerge)
 {
-    StoreRecord(u"Foreign", ForeignRecord(220));
-    HANDLE hPrinter = nullptr;
-    ASSERT_TRUE(OpenPrinterW(const_cast<LPWSTR>(u"Foreign"), &hPrinter, nullptr));
-    TVODevMode dm(hPrinter);
-    dm.getDeviceMode(hPrinter, TEXT(""), TEXT("Foreign"), TEXT(""));
+    StoredQueue queue(u"Foreign", ForeignRecord(220));
+    TVODevMode dm(queue.handle());
+    dm.getDeviceMode(queue.handle(), TEXT(""), TEXT("Foreign"), TEXT(""));
     const DEVMODEEX* p = dm.m_lpDM;
     EXPECT_TRUE(IsOwnCurrentDevmode(&p->dmPublic));
     EXPECT_EQ(273, p->dmPublic.dmPaperSize);
@@ -131,7 +121,6 @@ TEST(GetDeviceMode, ForeignRecordIsRepairedThroughTheMerge)
     EXPECT_EQ(DMBIN_MANUAL, p->dmPublic.dmDefaultSource);
     EXPECT_EQ(1, p->dmPublic.dmColor);
     EXPECT_EQ("Foreign", FieldText(p, "dmDeviceName"));
-    ClosePrinter(hPrinter);
 }
 
 // A stored record whose sizes claim more than the store holds is no record to the spooler:
@@ -141,16 +130,13 @@ TEST(GetDeviceMode, DamagedStoredRecordIsReplacedByTheDefaults)
     std::vector<uint8_t> bytes = DefaultRecord();
     bytes.resize(300);
     AsRecord(bytes)->dmPublic.dmCopies = 12;
-    StoreRecord(u"Liar", bytes);
-    HANDLE hPrinter = nullptr;
-    ASSERT_TRUE(OpenPrinterW(const_cast<LPWSTR>(u"Liar"), &hPrinter, nullptr));
-    TVODevMode dm(hPrinter);
-    EXPECT_EQ(1, dm.getDeviceMode(hPrinter, TEXT(""), TEXT(""), TEXT("")));
+    StoredQueue queue(u"Liar", bytes);
+    TVODevMode dm(queue.handle());
+    EXPECT_EQ(1, dm.getDeviceMode(queue.handle(), TEXT(""), TEXT(""), TEXT("")));
     EXPECT_EQ(1, dm.m_lpDM->dmPublic.dmCopies);
     std::vector<uint8_t> stored = StoredRecord(u"Liar");
     ASSERT_EQ(sizeof(DEVMODEEX), stored.size());
     EXPECT_TRUE(IsOwnCurrentDevmode(reinterpret_cast<DEVMODEW*>(stored.data())));
-    ClosePrinter(hPrinter);
 }
 
 TEST(GetDeviceMode, UnknownPrinterGivesTheDefaultsAndSucceeds)

@@ -15,7 +15,8 @@ struct Expected
     long long value; // thousandths for distances
 };
 
-// The default of every field that a fresh record sets, as the record's table states it.
+// The fields that a fresh record sets to other than zero; every other number of one element is
+// zero.
 const Expected kDefaults[] = {
     {"dmSpecVersion", 0x0401},
     {"dmDriverVersion", 0x0C07},
@@ -31,99 +32,58 @@ const Expected kDefaults[] = {
     {"dmDefaultSource", 7},
     {"dmPrintQuality", 400},
     {"dmColor", 1},
-    {"dmYResolution", 0},
     {"dmTTOption", 1},
-    {"dmCollate", 0},
-    {"dmDuplex", 0},
-    {"dmLogPixels", 0},
     {"dmxDevmodeVersion", 0x0C05},
     {"dmxSignature", 0x6F767444},
     {"dmxBannerPage", 1},
     {"dmxReservedSource", 7},
-    {"dmxBiDi", 0},
-    {"dmxRefreshOnOpen", 0},
-    {"dmxUnits", 0},
     {"dmxFirmwareRevision", 28},
-    {"dmxFinisherType", 0},
     {"dmxNumRolls", 6},
-    {"dmxSheetStatus", 0},
-    {"dmxSheetSize", 0},
-    {"dmxSheetType", 0},
     {"dmxSheetSizeSetting", 1},
-    {"dmxSheetTypeSetting", 0},
     {"dmxPaperLength", 2794000},
     {"dmxPaperWidth", 2159000},
     {"dmxUserMediaCategory", 4},
     {"dmxShowPaperTypes", 0xFFFF},
-    {"dmxRenderFlag1", 0},
-    {"dmxFinishing", 0},
     {"dmxPriority", 5},
-    {"dmxSinglePageJob", 0},
-    {"dmxMismatch", 0},
-    {"dmxMediaType", 0},
-    {"dmxMirrorX", 0},
-    {"dmxMirrorY", 0},
     {"dmxGraphicsFlag", 1},
     {"dmxRotation", 4},
-    {"dmxScalingMode", 0},
     {"dmxScaleToPaper", 1},
     {"dmxScalePercent", 100},
     {"dmxRasterImageScaling", 1},
     {"dmxQualityMode", 1},
-    {"dmxRenderMode", 0},
-    {"dmxGraphicsList", 0},
-    {"dmxRenderLevel1", 0},
-    {"dmxRenderLevel2", 0},
-    {"dmxVector", 0},
-    {"dmxRasterMethod", 0},
-    {"dmxRenderFlag2", 0},
-    {"dmxReservedRender", 0},
-    {"dmxFLGrayscaleRendering", 0},
     {"dmxRenderValue1", 7},
     {"dmxRenderValue2", 1},
-    {"dmxReservedOwner", 0},
-    {"dmxUserSpecifiedOwner", 0},
-    {"dmxRenderList", 0},
     {"dmxLabel", 1},
     {"dmxLabelPointSize", 18},
     {"dmxLabelDensity", 100},
     {"dmxLabelAngle", 90},
     {"dmxLabelPlacementX", 4},
-    {"dmxLabelOffsetX", 0},
     {"dmxLabelPlacementY", 8},
-    {"dmxLabelOffsetY", 0},
-    {"dmxLabelFontFamily", 0},
-    {"dmxPlacementX", 0},
-    {"dmxPlacementOffsetX", 0},
     {"dmxPlacementY", 8},
-    {"dmxPlacementOffsetY", 0},
     {"dmxStamp", 1},
     {"dmxStampScale", 100},
     {"dmxStampPlacementX", 2},
-    {"dmxStampOffsetX", 0},
     {"dmxStampPlacementY", 2},
-    {"dmxStampOffsetY", 0},
-    {"dmxStampRotation", 0},
-    {"dmxStampOption", 0},
-    {"dmxFinishProgram", 0},
-    {"dmxFinishOutputBin", 0},
-    {"dmxFinishFoldOption", 0},
-    {"dmxPlotNest", 0},
-    {"dmxPlotNestMargin", 0},
-    {"dmxAccountingEnable", 0},
     {"dmxAccountingMode", 1},
-    {"dmxRememberAccount", 0},
-    {"dmxAccount", 0},
-    {"dmxSubAccount", 0},
     {"dmxReservedRevision", 28},
     {"dmxReservedFlag", 1},
-    {"dmxFinishOption", 0},
 };
 
 void ExpectDefaults(const DEVMODEEX* dm)
 {
+    for (size_t i = 0; i < g_cDevmodeFields; i++) {
+        const DEVMODEEX_FIELD& field = g_DevmodeFields[i];
+        if (field.cbSize != field.cbElement || field.eKind == kDMF_TEXT ||
+            field.eKind == kDMF_LIST || field.eKind == kDMF_BYTES || field.eKind == kDMF_FINISHER)
+            continue;
+        long long expected = 0;
+        for (const Expected& row : kDefaults)
+            if (row.field == std::string(field.pszName))
+                expected = row.value;
+        EXPECT_EQ(FieldNumber(dm, field.pszName), expected) << field.pszName;
+    }
     for (const Expected& row : kDefaults)
-        EXPECT_EQ(FieldNumber(dm, row.field), row.value) << row.field;
+        ASSERT_NE(FindField(row.field), nullptr) << row.field;
     for (int i = 0; i < 6; i++) {
         EXPECT_EQ(dm->dmxRollStatus[i], 1u) << "roll " << i;
         EXPECT_EQ(dm->dmxRollSize[i], 8u) << "roll " << i;

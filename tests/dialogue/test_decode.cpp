@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -280,44 +281,38 @@ TEST(DecodeTokens, FirmwareLevels)
     }
 }
 
+// Sample rows of the three tables and what lies past their ends.
 TEST(DecodeConversions, NumbersToNames)
 {
-    const char* const types[] = {"Paper",
-                                 "Film",
-                                 "Vellum",
-                                 "PRESENTATION_360",
-                                 "PRESENTATION_720",
-                                 "PRODUCTION_360",
-                                 "REINFORCED_PAPER_360",
-                                 "WHITE_MATTE_FILM_360",
-                                 "BACKLIT_FILM_360/720",
-                                 "POLY_CLOTH_360",
-                                 "POLY_CANVAS_360",
-                                 "PSV_360",
-                                 "PHOTOGLOSSY_PAPER_360",
-                                 "90_GM_GA_PAPER_360",
-                                 "Paper",
-                                 "DISPLAY_PAPER_720",
-                                 "BACKLIT_FILM_360",
-                                 "BACKLIT_FILM_720",
-                                 "LINE_ART_360",
-                                 "Paper",
-                                 "Paper"};
-    for (DWORD n = 0; n < 21; n++)
-        EXPECT_EQ(types[n], Narrow(getRollType(n == 20 ? 0xFFFFFFFF : n))) << "type " << n;
+    const struct
+    {
+        const WCHAR* (*convert)(DWORD);
+        DWORD number;
+        const char* name;
+    } rows[] = {
+        {getRollType, 0, "Paper"},
+        {getRollType, 1, "Film"},
+        {getRollType, 8, "BACKLIT_FILM_360/720"},
+        {getRollType, 14, "Paper"},
+        {getRollType, 18, "LINE_ART_360"},
+        {getRollType, 19, "Paper"},
+        {getRollType, 0xFFFFFFFF, "Paper"},
+        {getRollSize, 0, "Roll A0"},
+        {getRollSize, 5, "Roll 860mm"},
+        {getRollSize, 17, "Roll 36in"},
+        {getRollSize, 27, "Roll B3"},
+        {getRollSize, 28, "Roll 36in"},
+        {getRollStat, 0, "None"},
+        {getRollStat, 3, "Empty"},
+        {getRollStat, 4, "None"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(row.name, Narrow(row.convert(row.number))) << row.number;
 
-    const char* const sizes[] = {
-        "Roll A0",    "Roll A1",    "Roll A2",    "Roll A3",   "Roll 620mm", "Roll 860mm",
-        "Roll 880mm", "Roll 750mm", "Roll 900mm", "Roll 11in", "Roll 17in",  "Roll 12in",
-        "Roll 34in",  "Roll 30in",  "Roll 18in",  "Roll 22in", "Roll 24in",  "Roll 36in",
-        "Roll 38in",  "Roll 42in",  "Roll 44in",  "Roll 48in", "Roll 50in",  "Roll 53in",
-        "Roll 54in",  "Roll B1",    "Roll B2",    "Roll B3",   "Roll 36in"};
-    for (DWORD n = 0; n < 29; n++)
-        EXPECT_EQ(sizes[n], Narrow(getRollSize(n))) << "size " << n;
-
-    const char* const states[] = {"None", "Full", "Low", "Empty", "None"};
-    for (DWORD n = 0; n < 5; n++)
-        EXPECT_EQ(states[n], Narrow(getRollStat(n))) << "state " << n;
+    std::set<std::string> sizes;
+    for (DWORD n = 0; n < 28; n++)
+        sizes.insert(Narrow(getRollSize(n)));
+    EXPECT_EQ(28u, sizes.size()) << "every size has a name of its own";
 }
 
 TEST(DecodeConversions, WordsToNames)

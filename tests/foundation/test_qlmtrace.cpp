@@ -1,4 +1,5 @@
 // The trace layer: lines, scopes, assertions, the memory dump, the log file and the switches.
+#include "support/hostprinter.h"
 #include "support/tracecapture.h"
 
 #include "driver/foundation/qlmtrace.h"
@@ -259,119 +260,24 @@ TEST_F(TraceTest, LogFileThatCannotBeOpenedIsReportedOnce)
     EXPECT_EQ(m_capture.lines()[1], "QLMUIDrv:Attempt to open log file failed\n");
 }
 
-// The switch table's rows, in the order the rendering half shares.
+// The switch table: a null row ends it, names are unique, and twelve modules have a _RENDER and
+// a _UI row that share one flag.
 TEST(TraceFlags, TableHasItsHundredRowsInOrderWithSharedFlags)
 {
-    const char* kNames[] = {"ALLTVOHPGL2",
-                            "AllTVONTKMDriver",
-                            "ALLTVORTL",
-                            "BitBLT",
-                            "BitBLTWithSource",
-                            "BitBLTNoSource",
-                            "BitmapRealize",
-                            "CopyBits",
-                            "DDI",
-                            "LINEATTRS",
-                            "PDEV",
-                            "PE",
-                            "PenStyle",
-                            "RealizeBrush",
-                            "StretchBLT",
-                            "Surface",
-                            "TVOFixed",
-                            "TVOHPGL2",
-                            "TVONTKMDriver",
-                            "TVOPJL",
-                            "TVORTL",
-                            "AllPathAPIs",
-                            "StrokePath",
-                            "FillPath",
-                            "StrokeAndFillPath",
-                            "InitLineAttrs",
-                            "CreatePolyLine",
-                            "CreatePolygon",
-                            "TextOut",
-                            "StartDoc",
-                            "HPGL2Initialize",
-                            "Brush",
-                            "SetRasterFill",
-                            "BeginDoc",
-                            "BeginPage",
-                            "DrawMode",
-                            "ClipRect",
-                            "AllCompression",
-                            "AdaptiveCompression",
-                            "RLECompression",
-                            "TIFFCompression",
-                            "DeltaCompression",
-                            "StartPage",
-                            "TVODevice",
-                            "Escape",
-                            "IgnoreClipRect",
-                            "DevmodeLife_RENDER",
-                            "SetPrinter_RENDER",
-                            "TVOAcct_RENDER",
-                            "TVOConfig_RENDER",
-                            "TVODevMode_RENDER",
-                            "TVODMRegistry_RENDER",
-                            "TVOLanguageMonitor_RENDER",
-                            "TVOMem_RENDER",
-                            "TVOSpool_RENDER",
-                            "DontBeOptimized_RENDER",
-                            "QLMUtils_RENDER",
-                            "ASSERT_RENDER",
-                            "DevmodeLife_UI",
-                            "SetPrinter_UI",
-                            "TVOAcct_UI",
-                            "TVOConfig_UI",
-                            "TVODevMode_UI",
-                            "TVODMRegistry_UI",
-                            "TVOLanguageMonitor_UI",
-                            "TVOMem_UI",
-                            "TVOSpool_UI",
-                            "DontBeOptimized_UI",
-                            "QLMUtils_UI",
-                            "ASSERT_UI",
-                            "UIDDI",
-                            "Propsheets",
-                            "TVODialog",
-                            "TVOTab",
-                            "PaperTab",
-                            "JobTab",
-                            "RenderTab",
-                            "GraphicsTab",
-                            "AboutTab",
-                            "DeviceOptionsDlg",
-                            "LabelDlg",
-                            "RasterStampDlg",
-                            "FinishingDlg",
-                            "MediaInfoDlg",
-                            "UserDefinedMediaDlg",
-                            "TVORollConfigDlg",
-                            "PrinterIPDialog",
-                            "AllPrinterIPDialog",
-                            "Gamma",
-                            "TVONTUIDriver",
-                            "DebugTab",
-                            "TVOSocket",
-                            "ParsePJL",
-                            "LowLevelParser",
-                            "LFK",
-                            "QLMRefresh",
-                            "Finisher",
-                            "DynamicMedia",
-                            "InkLimit",
-                            "DeviceCapabilities"};
-    static_assert(sizeof(kNames) / sizeof(kNames[0]) == 100);
-
     std::map<std::string, BOOL*> byName;
+    std::vector<std::string> order;
     for (int i = 0; i < kTRACE_FLAG_ROWS; i++) {
-        SCOPED_TRACE(kNames[i]);
-        ASSERT_NE(g_TraceFlags[i].pFlag, nullptr);
-        EXPECT_EQ(host::Utf16ToUtf8(g_TraceFlags[i].pszName), kNames[i]);
-        byName[kNames[i]] = g_TraceFlags[i].pFlag;
+        ASSERT_NE(g_TraceFlags[i].pFlag, nullptr) << i;
+        order.push_back(host::Utf16ToUtf8(g_TraceFlags[i].pszName));
+        byName[order.back()] = g_TraceFlags[i].pFlag;
     }
     EXPECT_EQ(g_TraceFlags[kTRACE_FLAG_ROWS].pFlag, nullptr) << "a null row ends the table";
+    EXPECT_EQ(byName.size(), 100u) << "no name twice";
+    const std::pair<int, const char*> kSamples[] = {
+        {0, "ALLTVOHPGL2"},     {16, "TVOFixed"}, {46, "DevmodeLife_RENDER"},
+        {58, "DevmodeLife_UI"}, {94, "LFK"},      {99, "DeviceCapabilities"}};
+    for (const auto& [row, name] : kSamples)
+        EXPECT_EQ(order[row], name) << row;
 
     const char* kModules[] = {"DevmodeLife",        "SetPrinter", "TVOAcct",
                               "TVOConfig",          "TVODevMode", "TVODMRegistry",
@@ -379,11 +285,13 @@ TEST(TraceFlags, TableHasItsHundredRowsInOrderWithSharedFlags)
                               "DontBeOptimized",    "QLMUtils",   "ASSERT"};
     for (const char* module : kModules) {
         SCOPED_TRACE(module);
+        ASSERT_TRUE(byName.count(std::string(module) + "_UI"));
         EXPECT_EQ(byName[std::string(module) + "_RENDER"], byName[std::string(module) + "_UI"]);
     }
     EXPECT_EQ(byName["QLMUtils_UI"], &g_bTraceQLMUtils);
     EXPECT_EQ(byName["ASSERT_UI"], &g_bTraceASSERT);
     EXPECT_EQ(byName["TVODevMode_UI"], &g_bTraceTVODevMode);
+    EXPECT_EQ(byName["ParsePJL"], &g_bTraceParsePJL);
 
     std::set<BOOL*> distinct;
     for (const auto& [name, flag] : byName)
@@ -393,48 +301,24 @@ TEST(TraceFlags, TableHasItsHundredRowsInOrderWithSharedFlags)
 
 TEST(TraceFlags, GlobalSwitchDefaultsAndDescriptions)
 {
-    struct Row
-    {
-        const char* name;
-        BOOL value;
-        const char* description;
-    } kRows[] = {
-        {"g_bTraceQLMUtils", 0, "Turns on tracing of all QLM utility functions"},
-        {"g_bTraceQLMPrinterFunctions", 0, "Turns on tracing of all QLM printer utility functions"},
-        {"g_bTraceQLMRegistryFunctions", 0,
-         "Turns on tracing of all QLM registry utility functions"},
-        {"g_bTraceParameters", 0, "Turns on tracing of parameters of functions being traced"},
-        {"g_bLog", 0, "Turns on logging to a file"},
-        {"g_bTrace", 1, "Turns on tracing globally"},
-        {"g_bTraceFunctionEntry", 0, "Turns on tracing of function entry and exit"},
-        {"g_bIncludeProcess", 0, "Includes process ID in trace statements"},
-        {"g_bAssertMsgBox", 0, "TRUE: ASSERT pops up a message box; FALSE: it only traces"},
-        {"g_bTraceASSERT", 0, "Turns on tracing in ASSERTs"},
-        {"g_bTraceQLMSocket", 0, "Turns on tracing of QLM Socket functions"},
-    };
-    for (size_t i = 0; i < 11; i++) {
-        SCOPED_TRACE(kRows[i].name);
-        EXPECT_EQ(host::Utf16ToUtf8(g_DebugSwitches[i].pszName), kRows[i].name);
-        EXPECT_EQ(*g_DebugSwitches[i].pSwitch, kRows[i].value);
-        EXPECT_EQ(host::Utf16ToUtf8(g_DebugSwitches[i].pszDescription), kRows[i].description);
+    std::set<std::string> names;
+    for (const TVODebugSwitch& row : g_DebugSwitches) {
+        std::string name = host::Utf16ToUtf8(row.pszName);
+        names.insert(name);
+        EXPECT_EQ(*row.pSwitch, name == "g_bTrace" ? 1 : 0) << name << ": only tracing is on";
+        EXPECT_NE(host::Utf16ToUtf8(row.pszDescription), "") << name;
     }
+    EXPECT_EQ(names.size(), 11u);
+    EXPECT_EQ(host::Utf16ToUtf8(g_DebugSwitches[0].pszName), "g_bTraceQLMUtils");
+    EXPECT_EQ(host::Utf16ToUtf8(g_DebugSwitches[8].pszDescription),
+              "TRUE: ASSERT pops up a message box; FALSE: it only traces");
+    EXPECT_EQ(host::Utf16ToUtf8(g_DebugSwitches[10].pszName), "g_bTraceQLMSocket");
 }
 
 // Switches live in the printer data key "DebugSettings" as 32-bit values.
 class DebugSwitchTest : public TraceTest
 {
 protected:
-    void SetUp() override
-    {
-        host::PrinterRecord printer;
-        printer.name = u"Plotter";
-        printer.driverName = u"Tarvo Plan Output System 2440";
-        printer.portName = u"LPT1:";
-        ASSERT_TRUE(host::AddPrinter(printer));
-        ASSERT_TRUE(OpenPrinterW(const_cast<LPWSTR>(TEXT("Plotter")), &m_hPrinter, nullptr));
-    }
-    void TearDown() override { ClosePrinter(m_hPrinter); }
-
     void SetSwitch(const std::u16string& name, std::vector<uint8_t> bytes, DWORD type = REG_DWORD)
     {
         host::DataValue value{u"DebugSettings", name, type, std::move(bytes)};
@@ -445,7 +329,8 @@ protected:
         return {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)};
     }
 
-    HANDLE m_hPrinter = nullptr;
+    HostPrinter m_printer{u"Plotter"};
+    HANDLE m_hPrinter = m_printer.handle();
 };
 
 TEST_F(DebugSwitchTest, RowsTakeTheirValuesAndAbsentOnesKeepTheirs)

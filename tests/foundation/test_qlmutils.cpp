@@ -153,7 +153,8 @@ TEST(QLMUserStore, SetWithNullHandleReturns122AndWritesNothing)
     EXPECT_TRUE(capture.contains("***ASSERT***(pPrinterName) failed"));
 }
 
-TEST(QLMUserStore, AbsentValueReturnsNotFoundAndLeavesTheTargetAlone)
+// A value that is absent, or of a size that does not fit, is not taken half way.
+TEST(QLMUserStore, FailedReadsLeaveTheTargetAlone)
 {
     HostPrinter printer(u"Plotter");
     DWORD value = 0xdeadbeef;
@@ -161,37 +162,22 @@ TEST(QLMUserStore, AbsentValueReturnsNotFoundAndLeavesTheTargetAlone)
               ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(value, 0xdeadbeefu);
     EXPECT_TRUE(host::RegistryKeyExists(kUserRoot + "Plotter")) << "the read left its key behind";
-
-    BYTE data[4] = {0xAA, 0xAA, 0xAA, 0xAA};
+    BYTE data[8] = {0xAA, 0xAA, 0xAA, 0xAA};
     DWORD cb = sizeof(data);
     EXPECT_EQ(QLMGetUserBINARY(TEXT("Plotter"), TEXT("Missing"), data, &cb), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(data[0], 0xAA);
-}
 
-TEST(QLMUserStore, DamagedDwordValueIsNotTakenHalfWay)
-{
-    HostPrinter printer(u"Plotter");
     const BYTE two[2] = {0x11, 0x22};
     ASSERT_EQ(QLMSetUserBINARY(printer.handle(), TEXT("Short"), two, 2), ERROR_SUCCESS);
-    const BYTE eight[8] = {1, 2, 3, 4, 5, 6, 7, 8};
-    ASSERT_EQ(QLMSetUserBINARY(printer.handle(), TEXT("Long"), eight, 8), ERROR_SUCCESS);
-
-    DWORD value = 0xdeadbeef;
+    const BYTE big[40] = {1, 2, 3, 4, 5, 6, 7, 8};
+    ASSERT_EQ(QLMSetUserBINARY(printer.handle(), TEXT("Long"), big, sizeof(big)), ERROR_SUCCESS);
     EXPECT_NE(QLMGetUserDWORD(printer.handle(), TEXT("Short"), &value), ERROR_SUCCESS);
     EXPECT_EQ(value, 0xdeadbeefu);
     EXPECT_EQ(QLMGetUserDWORD(printer.handle(), TEXT("Long"), &value), ERROR_MORE_DATA);
     EXPECT_EQ(value, 0xdeadbeefu);
-}
-
-TEST(QLMUserStore, GetBinaryReportsTheSizeNeeded)
-{
-    HostPrinter printer(u"Plotter");
-    BYTE big[40] = {0};
-    ASSERT_EQ(QLMSetUserBINARY(printer.handle(), TEXT("Big"), big, sizeof(big)), ERROR_SUCCESS);
-    BYTE small[8];
-    DWORD cb = sizeof(small);
-    EXPECT_EQ(QLMGetUserBINARY(TEXT("Plotter"), TEXT("Big"), small, &cb), ERROR_MORE_DATA);
-    EXPECT_EQ(cb, 40u);
+    cb = sizeof(data);
+    EXPECT_EQ(QLMGetUserBINARY(TEXT("Plotter"), TEXT("Long"), data, &cb), ERROR_MORE_DATA);
+    EXPECT_EQ(cb, 40u) << "the size needed";
 }
 
 TEST(QLMUserStore, EachUserHasAKeyOfItsOwn)

@@ -59,55 +59,39 @@ TEST(PjlsimGrammar, SmallProfileYieldsItsTokens)
     const Parsed parsed = Parse(text);
     EXPECT_EQ(parsed.status, STATUS_OK);
 
+    // 32 tokens in the order of the lines; the empty manual type stores none. Samples of each
+    // reply: the token, and its number or the line at its value's offset.
+    ASSERT_EQ(parsed.tokens.size(), 32u);
     const struct
     {
+        size_t at;
         DWORD token;
         DWORD number;     // when text is null
         const char* text; // the line at the value's offset
-    } expected[] = {
-        {0x50000, 1024, nullptr}, // MEMORY
-        {0x50004, 0, "12.5"},     // ESS SW REV
-        {0x50005, 0, "4126"},     // SCANNER TYPE
-        {0x50007, 0, "GFI"},      // FINISHER TYPE
-        {0x10004, 17, nullptr},   // roll 1 ROLL_36
-        {0x10005, 5, nullptr},    // roll 2 ROLL_A0+
-        {0x1000a, 17, nullptr},   // manual ANY
-        {0x1000b, 0, nullptr},    // roll 1 PAPER
-        {0x1000c, 3, nullptr},    // roll 2 "PRESENTATION_360"; manual "" stores none
-        {0x10012, 1, nullptr},    // roll 1 FULL
-        {0x10013, 2, nullptr},    // roll 2 LOW
-        {0x10018, 0, nullptr},    // manual NONE
-        {0x10019, 0, "DISABLED [3 ENUMERATED]"},
-        {0x1001a, 0, " \"HELV\""},
-        {0x1001b, 0, " \"DRAFT\""},
-        {0x90000, 0, "R\tN\t100\t\"HELV\"\tHelvetica"},
-        {0x90010, 0, "RW\tN\t50\t\"DRAFT\""},
-        {0x90020, 0, "F1"},
-        {0x90021, 0, "0.0"},
-        {0x90022, 1, nullptr},
-        {0x90023, 1, nullptr},
-        {0x90024, 0, "1"},
-        {0x90025, 0, "0"},
-        {0x90026, 0, "0"},
-        {0x90027, 0, "0"},
-        {0x90028, 0, nullptr},
-        {0x90029, 20, nullptr},
-        {0x9002a, 0, ""},
-        {0x9002b, 0,
+    } samples[] = {
+        {0, 0x50000, 1024, nullptr}, // MEMORY
+        {1, 0x50004, 0, "12.5"},     // ESS SW REV
+        {5, 0x10005, 5, nullptr},    // roll 2 ROLL_A0+
+        {8, 0x1000c, 3, nullptr},    // roll 2 "PRESENTATION_360"
+        {9, 0x10012, 1, nullptr},    // roll 1 FULL
+        {11, 0x10018, 0, nullptr},   // manual NONE
+        {13, 0x1001a, 0, " \"HELV\""},
+        {15, 0x90000, 0, "R\tN\t100\t\"HELV\"\tHelvetica"},
+        {16, 0x90010, 0, "RW\tN\t50\t\"DRAFT\""},
+        {26, 0x90029, 20, nullptr},
+        {28, 0x9002b, 0,
          "P1\tFULL_FRONT_END_LEFT\tWALLET\t210\t297\t20\tPUNCH_3\tTAB\t2\t900\tFACEDOWN\t1\t"
          "SHORTEDGE"},
-        {0x40000, 40000, nullptr},
-        {0x40001, 0, nullptr},
-        {0x20001, 7, nullptr},
+        {29, 0x40000, 40000, nullptr},
+        {31, 0x20001, 7, nullptr},
     };
-    ASSERT_EQ(parsed.tokens.size(), std::size(expected));
-    for (std::size_t i = 0; i < std::size(expected); ++i) {
-        const PJLTokenValue& got = parsed.tokens[i];
-        EXPECT_EQ(got.token, expected[i].token) << "element " << i;
-        if (expected[i].text) {
-            EXPECT_EQ(LineAt(text, got.value), expected[i].text) << "element " << i;
+    for (const auto& e : samples) {
+        const PJLTokenValue& got = parsed.tokens[e.at];
+        EXPECT_EQ(got.token, e.token) << "element " << e.at;
+        if (e.text) {
+            EXPECT_EQ(LineAt(text, got.value), e.text) << "element " << e.at;
         } else {
-            EXPECT_EQ(got.value, expected[i].number) << "element " << i;
+            EXPECT_EQ(got.value, e.number) << "element " << e.at;
         }
     }
 }

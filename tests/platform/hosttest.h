@@ -62,6 +62,21 @@ inline host::PrinterRecord Printer(const std::u16string& name, std::vector<uint8
     return p;
 }
 
+// The value names of a key, in the order the enumeration gives them.
+inline std::vector<std::u16string> ValueNames(HKEY key)
+{
+    std::vector<std::u16string> names;
+    WCHAR name[64];
+    DWORD cch = 64;
+    LSTATUS rc;
+    for (DWORD i = 0; (rc = RegEnumValueW(key, i, name, &cch, nullptr, nullptr, nullptr,
+                                          nullptr)) == ERROR_SUCCESS;
+         ++i, cch = 64)
+        names.emplace_back(name, cch);
+    EXPECT_EQ(ERROR_NO_MORE_ITEMS, rc);
+    return names;
+}
+
 inline std::string HomeFile(const std::string& name)
 {
     return host::HomeDirectory() + "/" + name;

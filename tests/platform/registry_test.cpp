@@ -33,20 +33,6 @@ protected:
         ASSERT_EQ(ERROR_SUCCESS, RegSetValueExW(key_, name, 0, REG_DWORD,
                                                 reinterpret_cast<const BYTE*>(&value), 4));
     }
-    std::vector<std::u16string> ValueNames(HKEY key)
-    {
-        std::vector<std::u16string> names;
-        for (DWORD i = 0;; ++i) {
-            WCHAR name[64];
-            DWORD cch = 64;
-            LSTATUS rc = RegEnumValueW(key, i, name, &cch, nullptr, nullptr, nullptr, nullptr);
-            if (rc != ERROR_SUCCESS) {
-                EXPECT_EQ(ERROR_NO_MORE_ITEMS, rc);
-                return names;
-            }
-            names.emplace_back(name, cch);
-        }
-    }
     HKEY key_ = nullptr;
 };
 

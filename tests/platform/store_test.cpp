@@ -49,19 +49,6 @@ HANDLE OpenQueue(const WCHAR* name)
     return OpenPrinterW(const_cast<WCHAR*>(name), &h, nullptr) ? h : nullptr;
 }
 
-std::vector<std::u16string> ValueNames(HKEY key)
-{
-    std::vector<std::u16string> names;
-    WCHAR name[64];
-    DWORD cch = 64;
-    for (DWORD i = 0;
-         RegEnumValueW(key, i, name, &cch, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
-         ++i, cch = 64) {
-        names.emplace_back(name, cch);
-    }
-    return names;
-}
-
 TEST_F(Store, ReopenedFileStoreHoldsEverything)
 {
     Open();

@@ -46,21 +46,19 @@ struct Json
     std::vector<Json> items;
     std::vector<std::pair<std::string, Json>> members; // in the order written
 
-    bool Has(const std::string& key) const
+    const Json* Find(const std::string& key) const
     {
         for (const auto& m : members)
             if (m.first == key)
-                return true;
-        return false;
+                return &m.second;
+        return nullptr;
     }
+    bool Has(const std::string& key) const { return Find(key) != nullptr; }
     // The member, or a null value when there is none.
     const Json& operator[](const std::string& key) const
     {
         static const Json none;
-        for (const auto& m : members)
-            if (m.first == key)
-                return m.second;
-        return none;
+        return Find(key) ? *Find(key) : none;
     }
     const Json& operator[](size_t index) const { return items.at(index); }
     std::vector<std::string> Keys() const
@@ -87,129 +85,111 @@ public:
     explicit JsonReader(const std::string& text) : m_s(text) {}
     bool Read(Json* value, std::string* error)
     {
-        bool ok = Value(value, 0) && (Space(), m_at == m_s.size() || Error("text after the value"));
+        bool ok =
+            Value(value, 0) && (Match(kSpace), m_at == m_s.size() || Fail("text after the value"));
         if (!ok)
             *error = m_error + " at byte " + std::to_string(m_at);
         return ok;
     }
 
 private:
-    bool Error(const std::string& what)
+    static inline const std::regex kSpace{"[ \\t\\r\\n]*"},
+        kNumber{"-?(0|[1-9][0-9]*)(\\.[0-9]+)?([eE][+-]?[0-9]+)?(?![0-9])"},
+        kLiteral{"true|false|null"};
+
+    bool Fail(const std::string& what)
     {
         if (m_error.empty())
             m_error = what;
         return false;
     }
     char Peek() const { return m_at < m_s.size() ? m_s[m_at] : '\0'; }
-    void Space()
+    // The rule's match at the current byte, which it then steps over; empty if none.
+    std::string Match(const std::regex& rule)
     {
-        while (Peek() && strchr(" \t\r\n", Peek()))
-            m_at++;
-    }
-    bool Take(char c)
-    {
-        Space();
-        return Peek() == c && ++m_at;
-    }
-    bool Number(Json* v)
-    {
-        static const std::regex kNumber("-?(0|[1-9][0-9]*)(\\.[0-9]+)?([eE][+-]?[0-9]+)?");
-        std::smatch match;
-        auto from = m_s.begin() + std::ptrdiff_t(m_at);
-        if (!std::regex_search(from, m_s.end(), match, kNumber,
+        std::smatch m;
+        if (!std::regex_search(m_s.begin() + std::ptrdiff_t(m_at), m_s.end(), m, rule,
                                std::regex_constants::match_continuous))
-            return Error("bad value");
-        v->type = Json::kNumber;
-        v->number = strtod(match.str().c_str(), nullptr);
-        m_at += match.length();
-        return !isdigit(static_cast<unsigned char>(Peek())) || Error("bad number");
+            return {};
+        m_at += m.length();
+        return m.str();
     }
+    bool Take(char c) { return Match(kSpace), Peek() == c && ++m_at; }
     bool String(std::u16string* out)
     {
-        static const char kSimple[] = "\"\\/bfnrt", kMeaning[] = "\"\\/\b\f\n\r\t";
+        static const std::string kSimple = "\"\\/bfnrt", kMeaning = "\"\\/\b\f\n\r\t";
         for (m_at++; m_at < m_s.size();) {
             unsigned char c = m_s[m_at++];
             if (c == '"')
                 return true;
             if (c < 0x20)
-                return Error("raw control character in a string");
-            if (c != '\\') {
+                return Fail("raw control character in a string");
+            size_t simple = c == '\\' ? kSimple.find(Peek()) : std::string::npos;
+            std::string hex = c == '\\' && Peek() == 'u' ? m_s.substr(m_at + 1, 4) : "";
+            if (c != '\\')
                 *out += char16_t(c); // qlmhost writes ASCII only, checked apart
-                continue;
-            }
-            const char* simple = m_at < m_s.size() ? strchr(kSimple, m_s[m_at]) : nullptr;
-            if (simple && *simple) {
-                *out += char16_t(kMeaning[simple - kSimple]);
-                m_at++;
-                continue;
-            }
-            if (Peek() != 'u' || m_at + 5 > m_s.size())
-                return Error("bad escape");
-            std::string hex = m_s.substr(m_at + 1, 4);
-            if (hex.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
-                return Error("bad \\u escape");
-            *out += char16_t(strtoul(hex.c_str(), nullptr, 16));
-            m_at += 5;
+            else if (simple != std::string::npos && Peek())
+                *out += char16_t(kMeaning[simple]), m_at++;
+            else if (hex.size() == 4 && hex.find_first_not_of("0123456789abcdefABCDEF") == hex.npos)
+                *out += char16_t(std::stoul(hex, nullptr, 16)), m_at += 5;
+            else
+                return Fail("bad escape");
         }
-        return Error("unterminated string");
+        return Fail("unterminated string");
     }
     // The members or items of an object or array, up to its closing bracket.
     template <typename One> bool Sequence(char close, One one)
     {
-        m_at++;
         if (Take(close))
             return true;
         do {
             if (!one())
                 return false;
         } while (Take(','));
-        return Take(close) || Error(std::string("',' or '") + close + "' expected");
+        return Take(close) || Fail(std::string("',' or '") + close + "' expected");
     }
     bool Value(Json* v, int depth)
     {
-        Space();
+        Match(kSpace);
         if (depth > 64)
-            return Error("too deep");
-        switch (Peek()) {
-        case '{':
+            return Fail("too deep");
+        if (Take('{')) {
             v->type = Json::kObject;
             return Sequence('}', [&] {
                 std::u16string key;
-                Space();
-                if (Peek() != '"' || !String(&key))
-                    return Error("key expected");
-                std::string k(key.begin(), key.end());
                 Json member;
+                if (!Take('"') || (m_at--, !String(&key)))
+                    return Fail("key expected");
+                std::string k(key.begin(), key.end());
                 if (v->Has(k))
-                    return Error("duplicate key " + k);
+                    return Fail("duplicate key " + k);
                 if (!Take(':') || !Value(&member, depth + 1))
-                    return Error("':' and a value expected");
+                    return Fail("':' and a value expected");
                 v->members.emplace_back(k, std::move(member));
                 return true;
             });
-        case '[':
+        }
+        if (Take('[')) {
             v->type = Json::kArray;
             return Sequence(']', [&] {
                 v->items.emplace_back();
                 return Value(&v->items.back(), depth + 1);
             });
-        case '"':
+        }
+        if (Peek() == '"') {
             v->type = Json::kString;
             return String(&v->text);
-        case 't':
-        case 'f':
-        case 'n': {
-            const char* word = Peek() == 't' ? "true" : Peek() == 'f' ? "false" : "null";
-            v->type = *word == 'n' ? Json::kNull : Json::kBool;
-            v->boolean = *word == 't';
-            if (m_s.compare(m_at, strlen(word), word) != 0)
-                return Error("bad literal");
-            m_at += strlen(word);
+        }
+        std::string word = Match(kLiteral);
+        v->type = word.empty() ? Json::kNumber : word == "null" ? Json::kNull : Json::kBool;
+        v->boolean = word == "true";
+        if (!word.empty())
             return true;
-        }
-        default:
-            return Number(v);
-        }
+        word = Match(kNumber);
+        if (word.empty())
+            return Fail("bad value");
+        v->number = strtod(word.c_str(), nullptr);
+        return true;
     }
 
     const std::string& m_s;

@@ -51,25 +51,9 @@ TEST_F(RealDriver, ConstantAnswers)
         const char* index;
         long long result;
     } rows[] = {
-        {"DC_FIELDS", 61199},
-        {"DC_SIZE", 220},
-        {"DC_EXTRA", 13264},
-        {"DC_VERSION", 1025},
-        {"DC_DRIVER", 3079},
-        {"DC_ORIENTATION", 90},
-        {"DC_COPIES", 999},
-        {"DC_COLLATE", 1},
-        {"DC_DUPLEX", 0},
-        {"DC_STAPLE", 0},
-        {"DC_COLORDEVICE", 0},
-        {"DC_TRUETYPE", 1},
-        {"DC_BINADJUST", 256},
-        {"DC_MMINCH", 1},
-        {"DC_IDSYSPRN", -1},
-        {"0", -1},
-        {"DC_DATATYPE_PRODUCED", -1},
-        {"DC_MEDIATYPES", -1},
-        {"DC_FILEDEPENDENCIES", 0},
+        // Samples: every index on every model is the entry tests' business.
+        {"DC_FIELDS", 61199}, {"DC_SIZE", 220}, {"DC_DRIVER", 3079},        {"DC_ORIENTATION", 90},
+        {"DC_IDSYSPRN", -1},  {"0", -1},        {"DC_FILEDEPENDENCIES", 0},
     };
     for (const auto& row : rows)
         EXPECT_EQ(Caps({row.index})["result"].Int(), row.result) << row.index;

@@ -1,4 +1,5 @@
-// A queue in the test's private store, opened for the length of a test.
+// A queue in the test's private store, with the record stored for it if one is given, opened
+// for the length of a test.
 #pragma once
 
 #include "platform/host/host.h"
@@ -6,18 +7,21 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 class HostPrinter
 {
 public:
     explicit HostPrinter(const std::u16string& name,
                          const std::u16string& driver = u"Tarvo Plan Output System 2440",
-                         const std::u16string& port = u"LPT1:")
+                         const std::u16string& port = u"LPT1:",
+                         const std::vector<uint8_t>& storedRecord = {})
     {
         host::PrinterRecord printer;
         printer.name = name;
         printer.driverName = driver;
         printer.portName = port;
+        printer.devMode = storedRecord;
         EXPECT_TRUE(host::AddPrinter(printer)) << host::Utf16ToUtf8(name);
         m_name = name;
         EXPECT_TRUE(OpenPrinterW(const_cast<LPWSTR>(m_name.c_str()), &m_hPrinter, nullptr));
