@@ -1,5 +1,6 @@
-// comdlg32: the open dialog, answered by the queued choices of the user simulation.
-#include "hostinternal.h"
+// comdlg32: the open dialog, answered by the script's `file` actions, then by the queued
+// choices of the user simulation.
+#include "wininternal.h"
 
 #include <deque>
 #include <sys/stat.h>
@@ -91,9 +92,15 @@ BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW lpofn)
     }
     state.titles.push_back(lpofn->lpstrTitle ? host::detail::FromW(lpofn->lpstrTitle) : u"Open");
     state.lastError = 0;
-    while (!state.answers.empty()) {
-        std::optional<std::u16string> answer = std::move(state.answers.front());
-        state.answers.pop_front();
+    for (;;) {
+        std::optional<std::u16string> answer;
+        if (host::detail::TakeScriptedFile(&answer)) {
+        } else if (!state.answers.empty()) {
+            answer = std::move(state.answers.front());
+            state.answers.pop_front();
+        } else {
+            return FALSE;
+        }
         if (!answer)
             return FALSE;
         if (!Acceptable(*answer, lpofn->Flags))
@@ -111,7 +118,6 @@ BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW lpofn)
         SetOffsets(lpofn, *answer);
         return TRUE;
     }
-    return FALSE;
 }
 
 DWORD WINAPI CommDlgExtendedError(void)

@@ -1,5 +1,6 @@
-// user32: message boxes answered by a queue of scripted answers, and the desktop window.
-#include "hostinternal.h"
+// user32: message boxes answered by the user simulation's script or a queue of answers, and
+// the desktop window.
+#include "wininternal.h"
 
 #include <deque>
 #include <vector>
@@ -66,10 +67,11 @@ void ClearMessageBoxCalls()
 
 extern "C" {
 
-// The button "pressed": the next queued answer, else the default button (MB_DEFBUTTONn of the
-// type's buttons; the first when n is beyond them). A caption of NULL reads "Error", as the
-// system shows it. An unknown button set is 0 with ERROR_INVALID_MSGBOX_STYLE. Every call
-// is recorded, failed ones with answer 0.
+// The button "pressed": the script's `answer` when it is the next action (the default button,
+// with a failure recorded, when the box lacks the answer's button), else the next queued answer,
+// else the default button (MB_DEFBUTTONn of the type's buttons; the first when n is beyond
+// them). A caption of NULL reads "Error", as the system shows it. An unknown button set is 0 with
+// ERROR_INVALID_MSGBOX_STYLE. Every call is recorded, failed ones with answer 0.
 int WINAPI MessageBoxW(HWND hWnd, LPCWSTR lpText, LPCWSTR lpCaption, UINT uType)
 {
     host::detail::Lock lock(host::detail::StateMutex());
@@ -82,12 +84,16 @@ int WINAPI MessageBoxW(HWND hWnd, LPCWSTR lpText, LPCWSTR lpCaption, UINT uType)
         SetLastError(ERROR_INVALID_MSGBOX_STYLE);
         return 0;
     }
-    if (!state.answers.empty()) {
+    size_t index = (uType & MB_DEFMASK) >> 8;
+    int defaultButton = index < buttons->size() ? (*buttons)[index] : buttons->front();
+    int scripted = 0;
+    if (host::detail::TakeScriptedMessageBoxAnswer(*buttons, defaultButton, &scripted)) {
+        call.answer = scripted;
+    } else if (!state.answers.empty()) {
         call.answer = state.answers.front();
         state.answers.pop_front();
     } else {
-        size_t index = (uType & MB_DEFMASK) >> 8;
-        call.answer = index < buttons->size() ? (*buttons)[index] : buttons->front();
+        call.answer = defaultButton;
     }
     state.calls.push_back(call);
     return call.answer;
