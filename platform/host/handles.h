@@ -14,6 +14,7 @@ enum class HandleKind
 {
     File,
     Printer,
+    GdiObject, // bitmaps, icons, cursors, fonts, brushes and pens (gdi.cpp)
     RegistryKey
 };
 
