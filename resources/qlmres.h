@@ -264,4 +264,423 @@
 #define IDS_FIRMWARE_12_5 5936
 #define IDS_FIRMWARE_12_7 5937
 
+// ======================== Dialog templates and what they hold ===========================
+// A control's number is the driver's only handle on it: keep these in step with the code.
+
+// ---- Templates --------------------------------------------------------------------------
+// Property-sheet tabs, in the order the sheet adds them.
+#define IDD_PAPER_TAB    101
+#define IDD_JOB_TAB      102
+#define IDD_GRAPHICS_TAB 103
+#define IDD_RENDER_TAB   104
+#define IDD_DEVICE_TAB   105
+#define IDD_ABOUT_TAB    106
+// Modal dialogs.
+#define IDD_ABOUT       201
+#define IDD_LABEL       204
+#define IDD_UNPRINTABLE 205
+#define IDD_CUSTOMISE   206
+#define IDD_PLOTNEST    207
+#define IDD_ACCOUNT     208
+#define IDD_STAMP       209
+#define IDD_ROLLCONFIG  210
+#define IDD_USERMEDIA   213
+#define IDD_FINISH      214
+#define IDD_JBA         215
+#define IDD_PRINTERIP   217
+
+// ---- Controls that several templates share ----------------------------------------------
+#ifndef IDC_STATIC
+#define IDC_STATIC (-1)
+#endif
+// Restore-defaults button of the tabs and of most dialogs.
+#define IDC_DEFAULTS 1045
+// The product logo (bitmap IDB_LOGO) on every tab and on the dialogs that lock it.
+#define IDC_LOGO 1261
+// Caption of the account field: device tab, numeric and text accounting dialogs.
+#define IDC_ACCOUNT_CAPTION 1129
+// "Remember" check box of both accounting dialogs.
+#define IDC_ACCOUNT_REMEMBER 1043
+// Caption of a rotation or angle field: graphics tab, label dialog.
+#define IDC_ROTATION_CAPTION 1184
+// Group box around a scale: graphics tab, stamp dialog.
+#define IDC_SCALING_GROUP 1188
+// Caption of the label choice on the job tab and of the label text in the label dialog.
+#define IDC_LABEL_CAPTION 1147
+
+// ---- Bitmaps and icons ------------------------------------------------------------------
+#define IDB_ABOUT       54
+#define IDB_LOGO        55
+#define IDB_MODEL_OTHER 58
+#define IDB_MODEL_1     59
+#define IDB_MODEL_0     60
+#define IDB_MODEL_3     61
+#define IDB_MODEL_10    62
+#define IDB_MODEL_8     63 // models 8 and 9
+#define IDB_MODEL_11    64
+#define IDB_MODEL_6     65
+#define IDB_MODEL_7     66
+// Sheets by orientation: the paper tab shows 4/1, the size fields 6/3 and 5/2.
+#define IDI_LANDSCAPE       1
+#define IDI_LANDSCAPE_WIDTH 2
+#define IDI_LANDSCAPE_SHEET 3
+#define IDI_PORTRAIT        4
+#define IDI_PORTRAIT_WIDTH  5
+#define IDI_PORTRAIT_SHEET  6
+
+// ---- Paper tab (IDD_PAPER_TAB) ----------------------------------------------------------
+#define IDC_PAPER_ABOUT              1001
+#define IDC_PAPER_MEDIA_TYPE         1008
+#define IDC_PAPER_SIZE               1009
+#define IDC_PAPER_SOURCE             1010
+#define IDC_PAPER_COPIES             1044
+#define IDC_PAPER_MARGINS            1083
+#define IDC_PAPER_ORIENTATION_GROUP  1086
+#define IDC_PAPER_ORIENTATION_ICON   1087
+#define IDC_PAPER_PORTRAIT           1093
+#define IDC_PAPER_LANDSCAPE          1094
+#define IDC_PAPER_COPIES_SPIN        1102
+#define IDC_PAPER_CUSTOMISE          1121 // a command the tab sends itself; no control
+#define IDC_PAPER_COPIES_CAPTION     1139
+#define IDC_PAPER_MEDIA_TYPE_CAPTION 1162
+#define IDC_PAPER_SIZE_CAPTION       1166
+#define IDC_PAPER_SOURCE_CAPTION     1167
+#define IDS_PAPER_CUSTOMISE          5009 // the paper list's row that opens IDD_CUSTOMISE
+#define IDS_PAPER_CUSTOM_NOT_STORED  6200
+#define IDS_MEDIA_ENDS_FINISHING     7004
+
+// ---- Job tab (IDD_JOB_TAB) --------------------------------------------------------------
+#define IDC_JOB_BANNER             1002
+#define IDC_JOB_LABEL              1006
+#define IDC_JOB_FINISHING          1067
+#define IDC_JOB_MISMATCH           1084
+#define IDC_JOB_NEST               1085
+#define IDC_JOB_PRIORITY           1088
+#define IDC_JOB_PRIORITY_SPIN      1108
+#define IDC_JOB_FINISHING_OPTIONS  1122
+#define IDC_JOB_LABEL_SETTINGS     1123
+#define IDC_JOB_NEST_SETTINGS      1124
+#define IDC_JOB_STAMP_SETTINGS     1125
+#define IDC_JOB_STAMP              1126
+#define IDC_JOB_BANNER_CAPTION     1130
+#define IDC_JOB_FINISHING_CAPTION  1141
+#define IDC_JOB_SINGLEPAGE_CAPTION 1154
+#define IDC_JOB_SINGLEPAGE         1155
+#define IDC_JOB_MISMATCH_CAPTION   1164
+#define IDC_JOB_NEST_CAPTION       1165
+#define IDC_JOB_PRIORITY_CAPTION   1172
+#define IDC_JOB_STAMP_CAPTION      1193
+
+// ---- Graphics tab (IDD_GRAPHICS_TAB) ----------------------------------------------------
+#define IDC_GRAPHICS_MERGE          1013
+#define IDC_GRAPHICS_ROTATION       1015
+#define IDC_GRAPHICS_SCALE_TO_PAPER 1016
+#define IDC_GRAPHICS_MIRROR_X       1040
+#define IDC_GRAPHICS_RASTER_SMOOTH  1041
+#define IDC_GRAPHICS_PERCENT        1069
+#define IDC_GRAPHICS_MIRROR_Y       1081
+#define IDC_GRAPHICS_RASTER_KEEP    1095
+#define IDC_GRAPHICS_RASTER_SCALE   1096
+#define IDC_GRAPHICS_SCALE_NONE     1097
+#define IDC_GRAPHICS_SCALE_PAPER    1098
+#define IDC_GRAPHICS_SCALE_PERCENT  1099
+#define IDC_GRAPHICS_PERCENT_SPIN   1103
+#define IDC_GRAPHICS_RASTER_GROUP   1145
+#define IDC_GRAPHICS_MIRROR_GROUP   1163
+#define IDC_GRAPHICS_MERGE_CAPTION  1174
+
+// ---- Rendering tab (IDD_RENDER_TAB) -----------------------------------------------------
+#define IDC_RENDER_RESOLUTION         1014
+#define IDC_RENDER_FINE_LINES         1035
+#define IDC_RENDER_RESOLUTION_CAPTION 1175
+#define IDC_RENDER_LIGHTNESS_CAPTION  1306
+#define IDC_RENDER_LIGHTNESS          1307
+#define IDC_RENDER_CONTRAST_CAPTION   1308
+#define IDC_RENDER_CONTRAST           1309
+#define IDC_RENDER_VECTOR_CAPTION     1310
+#define IDC_RENDER_VECTOR             1311
+#define IDC_RENDER_MODE               1323
+#define IDC_RENDER_QUALITY            1324
+#define IDC_RENDER_LINE_WIDTH         1325
+#define IDC_RENDER_LINE_WIDTH_SPIN    1326
+#define IDC_RENDER_GRAYSCALE          1327
+#define IDC_RENDER_QUALITY_CAPTION    1328
+#define IDC_RENDER_MODE_CAPTION       1329
+#define IDC_RENDER_LIGHTNESS_VALUE    1330
+#define IDC_RENDER_CONTRAST_VALUE     1331
+#define IDC_RENDER_GRAYSCALE_CAPTION  1332
+#define IDC_RENDER_LINE_WIDTH_CAPTION 1333
+#define IDC_RENDER_SMOOTH_EDGES       1336
+#define IDC_RENDER_RASTER_CAPTION     1337
+#define IDC_RENDER_RASTER             1338
+#define IDC_RENDER_SMOOTHING_CAPTION  1339
+#define IDC_RENDER_SMOOTHING          1340
+#define IDC_RENDER_SMOOTHING_SPIN     1341
+#define IDC_RENDER_CONTENT_CAPTION    1352
+#define IDC_RENDER_CONTENT            1353
+#define IDS_RENDER_REDUCED_RASTER     132 // IDC_RENDER_RASTER_CAPTION with reduced controls
+
+// ---- Device settings tab (IDD_DEVICE_TAB) -----------------------------------------------
+#define IDC_DEVICE_ACCOUNTING        1034
+#define IDC_DEVICE_FINISHER          1066
+#define IDC_DEVICE_FIRMWARE          1068
+#define IDC_DEVICE_INCHES            1091
+#define IDC_DEVICE_MM                1092
+#define IDC_DEVICE_ROLLS             1100
+#define IDC_DEVICE_ACCOUNT_IDS       1120
+#define IDC_DEVICE_UNITS_CAPTION     1217
+#define IDC_DEVICE_BIDI_CAPTION      1250
+#define IDC_DEVICE_REFRESH_ON_OPEN   1251
+#define IDC_DEVICE_REFRESH           1252
+#define IDC_DEVICE_FIRMWARE_CAPTION  1253
+#define IDC_DEVICE_FINISHER_CAPTION  1254
+#define IDC_DEVICE_OWNER_LOGIN       1343
+#define IDC_DEVICE_OWNER_TYPED       1344
+#define IDC_DEVICE_OWNER             1345
+#define IDC_DEVICE_OWNER_CAPTION     1346
+#define IDS_ACCOUNTING_REQUIRED      114
+#define IDS_FINISHER_FROM_FILE       6100 // finisher list row: read a description file
+#define IDS_FINISHER_FILE_TITLE      6101
+#define IDS_FINISHER_FILE_FILTER     6102 // its last character separates the parts
+
+// ---- About tab (IDD_ABOUT_TAB) and dialog (IDD_ABOUT) -----------------------------------
+#define IDC_ABOUT_MODEL_BITMAP  57
+#define IDC_ABOUT_BITMAP        1260
+#define IDC_ABOUT_HEAVY1        1271
+#define IDC_ABOUT_HEAVY2        1272
+#define IDC_ABOUT_HEAVY3        1278
+#define IDC_ABOUT_UIDRV_VERSION 1930
+#define IDC_ABOUT_PDDRV_VERSION 1931
+#define IDC_ABOUT_RES_VERSION   1932
+#define IDC_ABOUT_TEXT          1936
+
+// ---- Finishing dialog (IDD_FINISH) ------------------------------------------------------
+#define IDC_FINISH_TAB             1246
+#define IDC_FINISH_BIN_CAPTION     1248
+#define IDC_FINISH_BIN             1249
+#define IDC_FINISH_PROGRAM_CAPTION 1263
+#define IDC_FINISH_DESCRIPTION     1264
+#define IDC_FINISH_PROGRAM         1265
+#define IDC_FINISH_CROSS_FOLD      1266
+#define IDC_FINISH_PUNCH           1267
+#define IDC_FINISH_MARGIN          1268
+#define IDC_FINISH_FOLD_OPTION     1274
+#define IDC_FINISH_OPTION          1334
+// Translated FOLD_ program names of a finisher of version "0.0".
+#define IDS_FOLD_190               5027
+#define IDS_FOLD_210               5028
+#define IDS_FOLD_190_MARGIN        5029
+#define IDS_FOLD_ANSI_A            5030
+#define IDS_FOLD_ARCH_A            5031
+#define IDS_FOLD_7HALFX11_MARGIN   5032
+#define IDS_FOLD_7HALFX11          5033
+// The program description: captions, the size line, and the names of each capability.
+#define IDS_UNITS_INCHES_SHORT     5307
+#define IDS_FINISH_UNKNOWN         6103
+#define IDS_FINISH_FAN_2           6104 // to IDS_FINISH_FAN_2 + 6 for accordion folds 2 to 8
+#define IDS_FINISH_CROSS_2         6120 // to IDS_FINISH_CROSS_2 + 9 for cross folds 2 to 11
+#define IDS_FINISH_PUNCH_NONE      6140
+#define IDS_FINISH_PUNCH_2         6141
+#define IDS_FINISH_PUNCH_3         6142
+#define IDS_FINISH_PUNCH_4         6143
+#define IDS_FINISH_TAB_NONE        6144
+#define IDS_FINISH_TAB_2           6145
+#define IDS_FINISH_TAB_3           6146
+#define IDS_FINISH_FAN_CAPTION     6150
+#define IDS_FINISH_CROSS_CAPTION   6151
+#define IDS_FINISH_SIZES           6152 // width, length, unit, margin, unit
+#define IDS_FINISH_SEPARATOR       6153
+#define IDS_FINISH_BIN_PRINTER     6156
+#define IDS_FINISH_NO_FOLD         6157
+
+// ---- Label dialog (IDD_LABEL) -----------------------------------------------------------
+#define IDC_LABEL_FONT             1004
+#define IDC_LABEL_X                1032
+#define IDC_LABEL_Y                1033
+#define IDC_LABEL_TEXT             1050
+#define IDC_LABEL_ANGLE            1055
+#define IDC_LABEL_DENSITY          1058
+#define IDC_LABEL_SIZE             1059
+#define IDC_LABEL_OFFSET_X         1064
+#define IDC_LABEL_OFFSET_Y         1065
+#define IDC_LABEL_FIELDS           1082
+#define IDC_LABEL_ANGLE_SPIN       1110
+#define IDC_LABEL_DENSITY_SPIN     1113
+#define IDC_LABEL_SIZE_SPIN        1114
+#define IDC_LABEL_OFFSET_X_SPIN    1118
+#define IDC_LABEL_OFFSET_Y_SPIN    1119
+#define IDC_LABEL_FONT_CAPTION     1142
+#define IDC_LABEL_FONT_GROUP       1148
+#define IDC_LABEL_PLACEMENT_GROUP  1149
+#define IDC_LABEL_ANGLE_UNIT       1185
+#define IDC_LABEL_DENSITY_CAPTION  1189
+#define IDC_LABEL_DENSITY_UNIT     1190
+#define IDC_LABEL_SIZE_CAPTION     1191
+#define IDC_LABEL_SIZE_UNIT        1192
+#define IDC_LABEL_X_CAPTION        1222
+#define IDC_LABEL_OFFSET_X_UNIT    1223
+#define IDC_LABEL_Y_CAPTION        1224
+#define IDC_LABEL_OFFSET_Y_UNIT    1225
+// The special-field menu (its first submenu) of IDC_LABEL_FIELDS, and the text each appends.
+#define IDM_LABEL_FIELDS           300
+#define IDM_FIELD_DATE             2001
+#define IDM_FIELD_TIME             2002
+#define IDM_FIELD_USER             2003
+#define IDM_FIELD_DOCUMENT         2004
+#define IDM_FIELD_PAGE             2005
+#define IDM_FIELD_COPIES           2006
+#define IDM_FIELD_PAPER            2007
+#define IDM_FIELD_PRINTER          2008
+#define IDS_FIELD_DATE             5501
+#define IDS_FIELD_TIME             5502
+#define IDS_FIELD_USER             5503
+#define IDS_FIELD_DOCUMENT         5504
+#define IDS_FIELD_PRINTER          5505
+#define IDS_FIELD_PAGE             5506
+#define IDS_FIELD_COPIES           5507
+#define IDS_FIELD_PAPER            5508
+
+// ---- Unprintable margin dialog (IDD_UNPRINTABLE) ----------------------------------------
+// The margins by their place in dmxUnprintableMargin: top 0, bottom 1, right 2, left 3.
+#define IDC_UNPRINTABLE_X              1005
+#define IDC_UNPRINTABLE_Y              1031
+#define IDC_UNPRINTABLE_BOTTOM         1048
+#define IDC_UNPRINTABLE_OFFSET_X       1049
+#define IDC_UNPRINTABLE_LEFT           1051
+#define IDC_UNPRINTABLE_RIGHT          1054
+#define IDC_UNPRINTABLE_TOP            1061
+#define IDC_UNPRINTABLE_OFFSET_Y       1062
+#define IDC_UNPRINTABLE_BOTTOM_SPIN    1101
+#define IDC_UNPRINTABLE_OFFSET_X_SPIN  1104
+#define IDC_UNPRINTABLE_LEFT_SPIN      1105
+#define IDC_UNPRINTABLE_RIGHT_SPIN     1109
+#define IDC_UNPRINTABLE_TOP_SPIN       1115
+#define IDC_UNPRINTABLE_OFFSET_Y_SPIN  1116
+#define IDC_UNPRINTABLE_BOTTOM_CAPTION 1131
+#define IDC_UNPRINTABLE_BOTTOM_UNIT    1132
+#define IDC_UNPRINTABLE_X_CAPTION      1143
+#define IDC_UNPRINTABLE_OFFSET_X_UNIT  1144
+#define IDC_UNPRINTABLE_PLACEMENT_GROUP 1146
+#define IDC_UNPRINTABLE_LEFT_CAPTION   1150
+#define IDC_UNPRINTABLE_LEFT_UNIT      1151
+#define IDC_UNPRINTABLE_MARGINS_GROUP  1159
+#define IDC_UNPRINTABLE_RIGHT_CAPTION  1176
+#define IDC_UNPRINTABLE_RIGHT_UNIT     1177
+#define IDC_UNPRINTABLE_TOP_CAPTION    1214
+#define IDC_UNPRINTABLE_TOP_UNIT       1215
+#define IDC_UNPRINTABLE_Y_CAPTION      1218
+#define IDC_UNPRINTABLE_OFFSET_Y_UNIT  1219
+
+// ---- Customise dialog (IDD_CUSTOMISE) ---------------------------------------------------
+#define IDC_CUSTOMISE_ANSI           1036
+#define IDC_CUSTOMISE_ARCH           1037
+#define IDC_CUSTOMISE_ISO            1038
+#define IDC_CUSTOMISE_STANDARD       1039
+#define IDC_CUSTOMISE_SIZE_GROUP     1140
+#define IDC_CUSTOMISE_USER_MEDIA     1234
+#define IDC_CUSTOMISE_USER           1235
+#define IDC_CUSTOMISE_FAMILIES_GROUP 1255
+#define IDC_CUSTOMISE_CATEGORY       1354
+#define IDC_CUSTOMISE_LENGTH         1358
+#define IDC_CUSTOMISE_WIDTH          1359
+#define IDC_CUSTOMISE_WIDTH_SPIN     1375
+#define IDC_CUSTOMISE_LENGTH_SPIN    1376
+#define IDC_CUSTOMISE_WIDTH_CAPTION  1377
+#define IDC_CUSTOMISE_LENGTH_CAPTION 1378
+#define IDC_CUSTOMISE_SHEET_ICON     1379
+#define IDC_CUSTOMISE_WIDTH_ICON     1380
+#define IDC_CUSTOMISE_WIDTH_UNIT     1381
+#define IDC_CUSTOMISE_LENGTH_UNIT    1382
+
+// ---- Plot nesting dialog (IDD_PLOTNEST) -------------------------------------------------
+#define IDC_PLOTNEST_MARGIN         1053
+#define IDC_PLOTNEST_MARGIN_SPIN    1107
+#define IDC_PLOTNEST_MARGIN_CAPTION 1158
+#define IDC_PLOTNEST_MARGIN_UNIT    1160
+
+// ---- Numeric accounting dialog (IDD_ACCOUNT) --------------------------------------------
+#define IDC_ACCOUNT_SUB         1060
+#define IDC_ACCOUNT_SUB_CAPTION 1201
+#define IDC_ACCOUNT_NUMBER      1357
+#define IDS_ACCOUNT_RANGE       6003
+#define IDS_SUBACCOUNT_RANGE    6004
+
+// ---- Raster stamp dialog (IDD_STAMP) ----------------------------------------------------
+#define IDC_STAMP_NAME            1012
+#define IDC_STAMP_SCALE           1057
+#define IDC_STAMP_FRONT           1089
+#define IDC_STAMP_BEHIND          1090
+#define IDC_STAMP_SCALE_SPIN      1112
+#define IDC_STAMP_ROTATION        1156
+#define IDC_STAMP_NAME_CAPTION    1173
+#define IDC_STAMP_SCALE_CAPTION   1187
+#define IDC_STAMP_SCALE_UNIT      1256
+#define IDC_STAMP_LAYER_GROUP     1257
+#define IDC_STAMP_X               1355
+#define IDC_STAMP_Y               1356
+#define IDC_STAMP_OFFSET_X        1360
+#define IDC_STAMP_OFFSET_Y        1361
+#define IDC_STAMP_OFFSET_X_SPIN   1362
+#define IDC_STAMP_OFFSET_Y_SPIN   1363
+#define IDC_STAMP_X_CAPTION       1369
+#define IDC_STAMP_OFFSET_X_UNIT   1370
+#define IDC_STAMP_Y_CAPTION       1371
+#define IDC_STAMP_OFFSET_Y_UNIT   1372
+
+// ---- Roll configuration dialog (IDD_ROLLCONFIG) -----------------------------------------
+// Six rows of caption, size, media type and status; row n is the first plus n.
+#define IDC_ROLL_SIZE1          1017
+#define IDC_ROLL_SHEET_SIZE     1023
+#define IDC_ROLL_TYPE1          1024
+#define IDC_ROLL_SHEET_TYPE     1030
+#define IDC_ROLL_SHEET_CAPTION  1157
+#define IDC_ROLL_CAPTION1       1178
+#define IDC_ROLL_HEAD_ROLL      1191
+#define IDC_ROLL_HEAD_TYPE      1194
+#define IDC_ROLL_STATUS1        1195
+#define IDC_ROLL_HEAD_SIZE      1216
+#define IDS_ROLL_STATUS_NONE      5633
+#define IDS_ROLL_STATUS_EMPTY     5634
+#define IDS_ROLL_STATUS_NOT_READY 5635
+#define IDS_ROLL_STATUS_READY     5636
+
+// ---- User-defined media dialog (IDD_USERMEDIA) ------------------------------------------
+#define IDC_USERMEDIA_CATEGORY         1007
+#define IDC_USERMEDIA_LENGTH           1052
+#define IDC_USERMEDIA_WIDTH            1063
+#define IDC_USERMEDIA_WIDTH_ICON       1077
+#define IDC_USERMEDIA_SHEET_ICON       1078
+#define IDC_USERMEDIA_LENGTH_SPIN      1106
+#define IDC_USERMEDIA_WIDTH_SPIN       1117
+#define IDC_USERMEDIA_LENGTH_CAPTION   1152
+#define IDC_USERMEDIA_LENGTH_UNIT      1153
+#define IDC_USERMEDIA_CATEGORY_CAPTION 1161
+#define IDC_USERMEDIA_WIDTH_CAPTION    1220
+#define IDC_USERMEDIA_WIDTH_UNIT       1221
+#define IDC_USERMEDIA_LIST             1228
+#define IDC_USERMEDIA_NAME             1229
+#define IDC_USERMEDIA_DELETE           1230
+#define IDC_USERMEDIA_NAME_CAPTION     1231
+#define IDC_USERMEDIA_SAVE             1232
+#define IDC_USERMEDIA_CLOSE            1233
+#define IDC_USERMEDIA_SIZE_GROUP       1258
+#define IDS_FORM_NAME_MISSING          6001
+#define IDS_FORMS_FULL                 6002
+
+// ---- Text accounting dialog (IDD_JBA) ---------------------------------------------------
+#define IDC_JBA_ACCOUNT      1047
+#define IDC_JBA_USER_CAPTION 1276
+#define IDC_JBA_USER         1277
+
+// ---- Printer address dialog (IDD_PRINTERIP) ---------------------------------------------
+#define IDC_PRINTERIP_ADDRESS     1349
+#define IDC_PRINTERIP_TEST        1350
+#define IDC_PRINTERIP_PORT        1351
+#define IDS_PRINTERIP_TEST_FAILED 6022
+#define IDS_PRINTERIP_TEST_OK     6023
+
+// ---- Messages of every dialog -----------------------------------------------------------
+// A value out of range: the field's caption, the minimum and the maximum, all as text.
+#define IDS_RANGE_ERROR 6008
+
 #endif
