@@ -21,12 +21,17 @@
 #include <commdlg.h>
 #include <compstui.h>
 #include <winddiui.h>
+#include <htmlhelp.h>
 #else
 #include "host/decl/types.h"
 #include "host/decl/kernel.h"
 #include "host/decl/registry.h"
 #include "host/decl/spooler.h"
 #include "host/decl/user.h"
+#include "host/decl/commctrl.h"
+#include "host/decl/gdi.h"
+#include "host/decl/version.h"
+#include "host/decl/htmlhelp.h"
 #include "host/decl/compstui.h"
 #include "host/decl/commdlg.h"
 #include "host/decl/winsock.h"

@@ -28,8 +28,8 @@ typedef struct _PROPSHEETUI_INFO
 #define PROPSHEETUI_REASON_GET_ICON        4
 
 #define CPSFUNC_ADD_HPROPSHEETPAGE 0
-#define CPSFUNC_SET_HSTARTPAGE     11
-#define CPSFUNC_SET_RESULT         15
+#define CPSFUNC_SET_HSTARTPAGE     7
+#define CPSFUNC_SET_RESULT         9
 
 #define CPSUI_CANCEL         0
 #define CPSUI_OK             1
@@ -115,6 +115,19 @@ int WINAPI DrvDocumentEvent(HANDLE hPrinter, HDC hdc, int iEsc, ULONG cbIn, PVOI
                             PVOID pvOut);
 BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, INT DriverEvent, DWORD Flags, LPARAM lParam);
 BOOL WINAPI PrinterProperties(HWND hWnd, HANDLE hPrinter);
+#ifdef __cplusplus
+}
+#endif
+
+// The common UI's entry (compstui.dll): runs a sheet whose pages pfnPropSheetUI adds. On the
+// Linux host the sheet takes its user's actions from the user simulation.
+typedef LONG(CALLBACK* PFNPROPSHEETUI)(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
+#define ERR_CPSUI_GETLASTERROR (-1)
+#ifdef __cplusplus
+extern "C" {
+#endif
+LONG WINAPI CommonPropertySheetUIW(HWND hWndOwner, PFNPROPSHEETUI pfnPropSheetUI, LPARAM lParam,
+                                   LPDWORD pResult);
 #ifdef __cplusplus
 }
 #endif
