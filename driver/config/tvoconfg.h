@@ -90,6 +90,13 @@ public:
     // 200, 300, 400 on all models, 600 on models 8 to 11, and m_maxRes.
     BOOL isValidRes(int res) const;
 
+    // Empties the combo box, fills it from list (item data: the rows' values) and selects the
+    // row whose value is dwSelect (a later equal row wins), else index 0. Returns 1.
+    BOOL fillComboBox1(HWND hWnd, DWORD dwControl, TVOList list, DWORD dwSelect);
+    // Puts list in front of what the combo box holds and selects the row whose value is
+    // dwSelect, else keeps the item selected before. Returns 1.
+    BOOL fillComboBox2(HWND hWnd, DWORD dwControl, TVOList list, DWORD dwSelect);
+
     // Which tab was open last: the printer data value "LastActiveTab" (tab resource id - 101).
     void SetLastActiveTab(DWORD resourceId);
     int GetLastActiveTab();

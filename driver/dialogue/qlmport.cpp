@@ -22,19 +22,6 @@ BOOL TracePort()
     return g_bTraceQLMUtils | g_bTraceQLMPrinterFunctions;
 }
 
-// Wide text to 8 bits into dst of cbDst bytes, always terminated when cbDst > 0: a character
-// of the 8-bit range is its byte, any other '?'. Returns the bytes written without the end.
-size_t ToNarrow(char* dst, size_t cbDst, const WCHAR* src)
-{
-    if (cbDst == 0)
-        return 0;
-    size_t n = 0;
-    for (; src && src[n] && n + 1 < cbDst; n++)
-        dst[n] = src[n] < 0x100 ? char(src[n]) : '?';
-    dst[n] = 0;
-    return n;
-}
-
 // Copies text into the address buffer, cut to fit, and returns the buffer.
 char* SetAddress(const char* text, size_t cch)
 {
@@ -58,6 +45,17 @@ PRINTER_INFO_2W* GetPrinterInfo2(HANDLE hPrinter)
 
 } // namespace
 
+size_t QLMToNarrow(char* dst, size_t cbDst, const WCHAR* src)
+{
+    if (cbDst == 0)
+        return 0;
+    size_t n = 0;
+    for (; src && src[n] && n + 1 < cbDst; n++)
+        dst[n] = src[n] < 0x100 ? char(src[n]) : '?';
+    dst[n] = 0;
+    return n;
+}
+
 BOOL QLMIsFirstTimeEver(HANDLE hPrinter)
 {
     QLM_TRACE_SCOPE(TEXT("QLMIsFirstTimeEver"), TracePort());
@@ -78,7 +76,7 @@ char* QLMGetPortName(HANDLE hPrinter)
     char* pResult = nullptr;
     if (pInfo->pPortName) {
         std::memset(s_szPortName, 0, sizeof s_szPortName);
-        ToNarrow(s_szPortName, sizeof s_szPortName, pInfo->pPortName);
+        QLMToNarrow(s_szPortName, sizeof s_szPortName, pInfo->pPortName);
         pResult = s_szPortName;
     }
     GlobalFree(pInfo);
@@ -119,7 +117,7 @@ void QLMGetIPAddressMap(HANDLE hPrinter, LPCWSTR pPortName, char* IPAddress, siz
                                kQLM_MAP_VALUE_CB, &cbNeeded);
     if (rc != ERROR_SUCCESS)
         return;
-    ToNarrow(IPAddress, cbAddress, szAddress);
+    QLMToNarrow(IPAddress, cbAddress, szAddress);
 }
 
 DWORD QLMSetIPAddressMap(HANDLE hPrinter, LPCWSTR pPortName, LPCWSTR pAddress)
@@ -160,7 +158,7 @@ char* QLMGetIPAddressFromPort(HANDLE hPrinter, LPCWSTR pPortName)
         Trace(TEXT("malloc failed in QLMGetIPAddressFromPort"));
         return nullptr;
     }
-    size_t cch = ToNarrow(pPortNameANSI, cbName, pPortName);
+    size_t cch = QLMToNarrow(pPortNameANSI, cbName, pPortName);
 
     char* pResult;
     const char* pColon = std::strstr(pPortNameANSI, ":2000");

@@ -41,3 +41,8 @@ DWORD QLMSetIPAddressMap(HANDLE hPrinter, LPCWSTR pPortName, LPCWSTR pAddress);
 // last "_1" to "_9" (when that is the first occurrence of the text); else the whole name, for
 // a port named after a host or an address.
 char* QLMGetIPAddressFromPort(HANDLE hPrinter, LPCWSTR pPortName);
+
+// Wide text to 8 bits into dst of cbDst bytes, always terminated when cbDst > 0: a character of
+// the 8-bit range is its byte, any other '?'. Returns the bytes written without the end. It
+// stands in for EngUnicodeToMultiByteN, which neither platform's headers declare.
+size_t QLMToNarrow(char* dst, size_t cbDst, const WCHAR* src);

@@ -3,6 +3,7 @@
 
 #include "../config/tvoconfg.h"
 #include "../foundation/qlmtrace.h"
+#include "../foundation/qlmutils.h"
 #include "pjlgrammar.h"
 #include "qlmport.h"
 #include "qlmrefresh_decode.h"
@@ -37,22 +38,6 @@ BOOL AskFileDefault(HWND hwnd, WCHAR* path, DWORD cchPath)
 }
 
 QLMRefreshQuestions g_questions = {AskAddressCancel, AskFileDefault};
-
-// Puts the cursor that was there back on every exit. The host has no cursor.
-class WaitCursor
-{
-public:
-#ifdef _WIN32
-    WaitCursor() : m_old(SetCursor(LoadCursorW(nullptr, IDC_WAIT))) {}
-    ~WaitCursor()
-    {
-        SetCursor(m_old);
-    }
-
-private:
-    HCURSOR m_old;
-#endif
-};
 
 template <typename C> void CopyCut(C* out, const C* in, size_t cchOut)
 {
@@ -136,7 +121,7 @@ QLMRefreshQuestions QLMSetRefreshQuestions(const QLMRefreshQuestions& questions)
 int QLMRefresh(TVOPrinterConfiguration* config, DEVMODEEX* dm, HWND hwnd)
 {
     QLM_TRACE_SCOPE(TEXT("QLMRefresh"), g_bTraceQLMRefresh);
-    [[maybe_unused]] WaitCursor cursor;
+    QLMWaitCursor cursor;
     QLMSocket socket;
     HANDLE hPrinter = config ? config->m_hPrinter : nullptr;
 
@@ -170,8 +155,9 @@ int QLMRefresh(TVOPrinterConfiguration* config, DEVMODEEX* dm, HWND hwnd)
         CopyCut(portName, portU, kQLM_PORT_CB);
 
         if (!ConnectByPort(socket, hPrinter, portName)) {
+            // Kept across questions: an answer without an address tries the last one again.
+            char address[kQLM_ADDRESS_CB] = {};
             for (;;) {
-                char address[kQLM_ADDRESS_CB] = {};
                 if (g_questions.askAddress(portName, config, dm, hwnd, address, sizeof(address)) !=
                     1) {
                     socket.Close();

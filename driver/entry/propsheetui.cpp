@@ -1,33 +1,341 @@
-// The property sheets' life: building the pages at INIT, handing the result back at
-// SET_RESULT, releasing everything at DESTROY. The pages need the window system, which the
-// host does not have yet; until it does, each branch answers the common UI with its failure
-// value, so a caller falls back as it would for a driver without sheets.
+// The property sheets' life: the working records and the pages at INIT, the result handed back
+// at SET_RESULT, everything released at DESTROY.
 #include "tvouidrv.h"
 
+#include "../config/tvoconfg.h"
+#include "../devmode/tvodm.h"
+#include "../dialogue/qlmport.h"
+#include "../dialogue/qlmrefresh.h"
 #include "../foundation/qlmtrace.h"
+#include "../foundation/qlmutils.h"
+#include "../ui/tvoabout.h"
+#include "../ui/tvodialoginfo.h"
+#include "../../resources/qlmres.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace {
+
+// The tabs in their order, each behind its configuration switch. A tab whose class is not part
+// of the driver yet has no maker and is left out; the about tab goes with the device tab.
+struct TabRow
+{
+    int templateId;
+    BOOL TVOPrinterConfiguration::*pSwitch;
+    TVOTab* (*make)(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig);
+    const char* pszAssertion;
+};
+
+TVOTab* MakeAboutTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
+{
+    return new (std::nothrow) TVOAboutTab(lpdi, pConfig, 0);
+}
+
+const TabRow kTabs[] = {
+    {IDD_PAPER_TAB, &TVOPrinterConfiguration::m_bShowPaperTab, nullptr, "pPaperTab != 0"},
+    {IDD_JOB_TAB, &TVOPrinterConfiguration::m_bShowJobTab, nullptr, "pJobTab != 0"},
+    {IDD_GRAPHICS_TAB, &TVOPrinterConfiguration::m_bShowGraphicsTab, nullptr, "pGraphicsTab != 0"},
+    {IDD_RENDER_TAB, &TVOPrinterConfiguration::m_bShowRenderTab, nullptr, "pRenderTab != 0"},
+    {IDD_DEVICE_TAB, &TVOPrinterConfiguration::m_bShowDeviceTab, nullptr, "pDeviceTab != 0"},
+    {IDD_ABOUT_TAB, &TVOPrinterConfiguration::m_bShowDeviceTab, MakeAboutTab, "pAboutTab != 0"},
+};
+
+// The queue prints raw from now on. A user without the right fails here and goes on.
+void MarkRawOnly(HANDLE hPrinter)
+{
+    LPWSTR pszName = QLMGetPrinterName(hPrinter);
+    PRINTER_DEFAULTSW defaults = {nullptr, nullptr, PRINTER_ALL_ACCESS};
+    HANDLE hAdmin = nullptr;
+    if (!pszName || !OpenPrinterW(pszName, &hAdmin, &defaults) || !hAdmin) {
+        Trace(TEXT("raw spooling not set, GetLastError is %d"), GetLastError());
+        return;
+    }
+    auto* pInfo = reinterpret_cast<PRINTER_INFO_2W*>(QLMGetPrinterInfo(hAdmin, 2));
+    if (pInfo) {
+        pInfo->Attributes |= PRINTER_ATTRIBUTE_RAW_ONLY;
+        SetPrinterW(hAdmin, 2, reinterpret_cast<LPBYTE>(pInfo), 0);
+        GlobalFree(pInfo);
+    }
+    ClosePrinter(hAdmin);
+}
+
+// How far a caller's record reaches, as it declares itself.
+DWORD DeclaredSize(const DEVMODEW* pdm)
+{
+    return pdm ? DWORD(pdm->dmSize) + pdm->dmDriverExtra : 0;
+}
+
+// The caller's records learn whether the port answers; a record too short to hold the field
+// is left alone.
+void SetCallersBiDi(DEVMODEW* pdm, DWORD cbRoom, BOOL bidi)
+{
+    if (pdm && offsetof(DEVMODEEX, dmxBiDi) + sizeof(DWORD) <= cbRoom)
+        reinterpret_cast<DEVMODEEX*>(pdm)->dmxBiDi = static_cast<DWORD>(bidi);
+}
+
+TVOPrinterConfiguration* NewConfiguration(HANDLE hPrinter, LPCWSTR pszPrinterName,
+                                          BOOL bNoPermission)
+{
+    LPCWSTR pszDriver = QLMGetDriverName(hPrinter);
+    auto* pConfig =
+        new (std::nothrow) TVOPrinterConfiguration(pszDriver ? pszDriver : pszPrinterName);
+    if (!pConfig)
+        return nullptr;
+    pConfig->setPrinterHandle(hPrinter);
+    pConfig->getUserForms(hPrinter);
+    if (bNoPermission)
+        pConfig->m_bHasPermission = 0;
+    return pConfig;
+}
+
+void FillCommon(TVODialogInfo* lpdi, PPROPSHEETUI_INFO pPSUIInfo, TVOPrinterConfiguration* pConfig,
+                HANDLE hPrinter)
+{
+    lpdi->pfnComPropSheet = pPSUIInfo->pfnComPropSheet;
+    lpdi->hComPropSheet = pPSUIInfo->hComPropSheet;
+    lpdi->hInstance = g_hInstance;
+    lpdi->hResource = pConfig->m_hResources;
+    lpdi->pConfig = pConfig;
+    lpdi->hPrinter = hPrinter;
+}
+
+// The three working records start as the queue's default record.
+BOOL StartRecords(TVODialogInfo* lpdi, HANDLE hPrinter)
+{
+    TVODevMode defaults(hPrinter);
+    if (!defaults.m_lpDM)
+        return FALSE;
+    memcpy(static_cast<void*>(&lpdi->dmMerge), defaults.m_lpDM, sizeof(DEVMODEEX));
+    memcpy(static_cast<void*>(&lpdi->dmOrig), defaults.m_lpDM, sizeof(DEVMODEEX));
+    memcpy(static_cast<void*>(&lpdi->dmScratch), defaults.m_lpDM, sizeof(DEVMODEEX));
+    return TRUE;
+}
+
+// The pages are handed over as far as hActCtx: 96 bytes on x64.
+constexpr DWORD kTAB_PAGE_SIZE = 96;
+static_assert(kTAB_PAGE_SIZE <= sizeof(PROPSHEETPAGEW), "the page fits the platform's record");
+
+PROPSHEETPAGEW PageFor(const TVODialogInfo* lpdi, int templateId, TVOTab* pTab)
+{
+    PROPSHEETPAGEW page = {};
+    page.dwSize = kTAB_PAGE_SIZE;
+    page.dwFlags = PSP_DEFAULT;
+    page.hInstance = lpdi->hResource;
+    page.pszTemplate = MAKEINTRESOURCEW(templateId);
+    page.pfnDlgProc = TVOTabProcedure;
+    page.lParam = reinterpret_cast<LPARAM>(pTab);
+    return page;
+}
+
+// Creates and adds the pages in order; the first failure stops the adding. The page at the
+// position of the last active tab becomes the start page. FALSE when a page failed.
+BOOL AddPages(TVODialogInfo* lpdi, const PROPSHEETPAGEW* pages, int count, int startIndex)
+{
+    for (int i = 0; i < count; ++i) {
+        HPROPSHEETPAGE hPage = CreatePropertySheetPageW(&pages[i]);
+        if (!hPage) {
+            ASSERT(hPage);
+            Trace(TEXT("Creation of tab failed! Error %ld"), static_cast<long>(GetLastError()));
+            return FALSE;
+        }
+        LONG_PTR result =
+            lpdi->pfnComPropSheet
+                ? lpdi->pfnComPropSheet(lpdi->hComPropSheet, CPSFUNC_ADD_HPROPSHEETPAGE,
+                                        reinterpret_cast<LPARAM>(hPage), 0)
+                : 0;
+        if (i == startIndex && result)
+            lpdi->pfnComPropSheet(lpdi->hComPropSheet, CPSFUNC_SET_HSTARTPAGE, result, 0);
+    }
+    return TRUE;
+}
+
+} // namespace
 
 LONG TVONTUIDriver::PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::PropsheetUI_Init"), g_bTracePropsheets);
-    Trace(TEXT("no document sheet in this build"));
-    return -1;
+    ASSERT((pPSUIInfo != 0) && (lParam != 0));
+    if (!pPSUIInfo || !lParam)
+        return 0;
+    auto* pHeader = reinterpret_cast<PDOCUMENTPROPERTYHEADER>(lParam);
+    HANDLE hPrinter = pHeader->hPrinter;
+    const DWORD fMode = pHeader->fMode;
+
+    MarkRawOnly(hPrinter);
+    const BOOL bidi = QLMPortIsBiDi(hPrinter);
+    SetCallersBiDi(pHeader->pdmIn, DeclaredSize(pHeader->pdmIn), bidi);
+    const DWORD cbOutRoom =
+        pHeader->pdmOut ? std::min(DeclaredSize(pHeader->pdmOut), pHeader->cbOut) : 0;
+    SetCallersBiDi(pHeader->pdmOut, cbOutRoom, bidi);
+
+    TVOPrinterConfiguration* pConfig =
+        NewConfiguration(hPrinter, pHeader->pszPrinterName, (fMode & DM_NOPERMISSION) != 0);
+    if (!pConfig) {
+        ASSERT(pConfig != 0);
+        return -1;
+    }
+    auto* lpdi = new (std::nothrow) TVODialogInfo;
+    if (!lpdi) {
+        ASSERT(lpdi != 0);
+        delete pConfig;
+        return -2;
+    }
+    pPSUIInfo->UserData = reinterpret_cast<ULONG_PTR>(lpdi);
+    FillCommon(lpdi, pPSUIInfo, pConfig, hPrinter);
+    lpdi->wMode = static_cast<WORD>(fMode);
+    lpdi->bExtDevMode = 0;
+    lpdi->lpDMTarget = reinterpret_cast<DEVMODEEX*>(pHeader->pdmOut);
+    lpdi->cbTargetRoom = cbOutRoom;
+
+    StartRecords(lpdi, hPrinter);
+    TVODevMode merge(&lpdi->dmMerge);
+    if (!merge.getDeviceMode(hPrinter, TEXT(""), pHeader->pszPrinterName, TEXT("")))
+        Trace(TEXT("getDeviceMode failed"));
+    if ((fMode & DM_IN_BUFFER) && pHeader->pdmIn)
+        merge.modifyDeviceMode(hPrinter, pHeader->pdmIn, pConfig->m_PrinterModel);
+    if (lpdi->dmMerge.dmxBiDi == 0)
+        lpdi->dmMerge.dmxAccountingMode = 1;
+    const BOOL bFirst = QLMIsFirstTimeEver(hPrinter);
+    if (bidi && (lpdi->dmMerge.dmxRefreshOnOpen || bFirst)) {
+        int rc = QLMRefresh(pConfig, &lpdi->dmMerge, GetDesktopWindow());
+        Trace(TEXT("QLMRefresh returns %d"), rc);
+    }
+    merge.getAccountingInfo(hPrinter);
+
+    lpdi->lpDM = &lpdi->dmScratch;
+    memcpy(static_cast<void*>(&lpdi->dmScratch), &lpdi->dmMerge, sizeof(DEVMODEEX));
+    if (fMode & DM_OUT_BUFFER) {
+        lpdi->lpDMTarget = reinterpret_cast<DEVMODEEX*>(pHeader->pdmOut);
+        DEVMODEW* pOut = pHeader->pdmOut;
+        if (pOut && pOut->dmSize == sizeof(DEVMODEW) &&
+            pOut->dmDriverExtra == kDEVMODEEX_DRIVER_EXTRA && (fMode & DM_IN_BUFFER) &&
+            lpdi->cbTargetRoom >= sizeof(DEVMODEEX))
+            memcpy(static_cast<void*>(pOut), &lpdi->dmMerge, sizeof(DEVMODEEX));
+    } else {
+        lpdi->lpDMTarget = &lpdi->dmScratch;
+        lpdi->cbTargetRoom = sizeof(DEVMODEEX);
+    }
+    lpdi->dmScratch.dmxBiDi = lpdi->dmOrig.dmxBiDi = lpdi->dmMerge.dmxBiDi = bidi;
+    if (lpdi->lpDMTarget)
+        SetCallersBiDi(&lpdi->lpDMTarget->dmPublic, lpdi->cbTargetRoom, bidi);
+    lpdi->lpDM->dmxBiDi = bidi;
+
+    PROPSHEETPAGEW pages[kMAX_TABS];
+    int count = 0;
+    for (const TabRow& row : kTabs) {
+        if (!(pConfig->*row.pSwitch) || !row.make)
+            continue;
+        TVOTab* pTab = row.make(lpdi, pConfig);
+        if (!pTab) {
+            Assert(QLM_WIDEN(__FILE__), __LINE__, row.pszAssertion);
+            continue;
+        }
+        pages[count] = PageFor(lpdi, row.templateId, pTab);
+        lpdi->pTabs[count++] = pTab;
+    }
+    lpdi->nTabs = static_cast<WORD>(count);
+    AddPages(lpdi, pages, count, pConfig->GetLastActiveTab());
+    return 1;
 }
 
 LONG TVONTUIDriver::PropsheetUI_Set(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::PropsheetUI_Set"), g_bTracePropsheets);
-    return -1;
+    auto* lpdi = reinterpret_cast<TVODialogInfo*>(pPSUIInfo->UserData);
+    auto* pResult = reinterpret_cast<PSETRESULT_INFO>(lParam);
+    const LRESULT result = pResult ? pResult->Result : CPSUI_CANCEL;
+    if (lpdi && result == CPSUI_OK && (lpdi->wMode & (DM_OUT_DEFAULT | DM_OUT_BUFFER))) {
+        // Under a prompt a sheet left without OK or Apply gives what it was opened with.
+        if ((lpdi->wMode & DM_IN_PROMPT) && !lpdi->bOK)
+            lpdi->lpDM = &lpdi->dmMerge;
+        TVODevMode view(lpdi->lpDM);
+        view.setAccountingInfo(lpdi->hPrinter, 1);
+        if (lpdi->bExtDevMode && (lpdi->wMode & DM_USER_DEFAULT)) {
+            auto* pInfo = reinterpret_cast<PRINTER_INFO_2W*>(QLMGetPrinterInfo(lpdi->hPrinter, 2));
+            if (pInfo) {
+                if (pInfo->pDevMode)
+                    memcpy(static_cast<void*>(pInfo->pDevMode), lpdi->lpDM, sizeof(DEVMODEEX));
+                else
+                    pInfo->pDevMode = &lpdi->lpDM->dmPublic;
+                SetPrinterW(lpdi->hPrinter, 2, reinterpret_cast<LPBYTE>(pInfo), 0);
+                GlobalFree(pInfo);
+            }
+        }
+        if (lpdi->lpDMTarget && lpdi->lpDMTarget != lpdi->lpDM) {
+            if (lpdi->cbTargetRoom >= sizeof(DEVMODEEX))
+                memcpy(static_cast<void*>(lpdi->lpDMTarget), lpdi->lpDM, sizeof(DEVMODEEX));
+            else
+                Trace(TEXT("output record of %u bytes is too small for the result"),
+                      lpdi->cbTargetRoom);
+        }
+    }
+    pPSUIInfo->Result = static_cast<ULONG_PTR>(result);
+    return 1;
 }
 
 LONG TVONTUIDriver::PropsheetUI_Destroy(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::PropsheetUI_Destroy"), g_bTracePropsheets);
-    return -1;
+    (void)lParam;
+    auto* lpdi = reinterpret_cast<TVODialogInfo*>(pPSUIInfo->UserData);
+    if (!lpdi) {
+        pPSUIInfo->Result = 0;
+        return 0;
+    }
+    pPSUIInfo->Result = 1;
+    if (lpdi->pConfig) {
+        lpdi->pConfig->setUserForms(lpdi->hPrinter);
+        delete lpdi->pConfig;
+    }
+    for (WORD i = 0; i < lpdi->nTabs && i < kMAX_TABS; ++i)
+        delete lpdi->pTabs[i];
+    delete lpdi;
+    pPSUIInfo->UserData = 0;
+    Trace(TEXT("configurations alive: %d"),
+          static_cast<int>(TVOPrinterConfiguration::s_nInstances));
+    return 1;
 }
 
 LONG TVONTUIDriver::DeviceSheetUI_INIT(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DeviceSheetUI_INIT"), g_bTracePropsheets);
-    Trace(TEXT("no device sheet in this build"));
-    return -1;
+    ASSERT((pPSUIInfo != 0) && (lParam != 0));
+    if (!pPSUIInfo || !lParam)
+        return 0;
+    auto* pHeader = reinterpret_cast<PDEVICEPROPERTYHEADER>(lParam);
+    HANDLE hPrinter = pHeader->hPrinter;
+    MarkRawOnly(hPrinter);
+    // The device header's flags are tested with the document header's mask, deliberately.
+    TVOPrinterConfiguration* pConfig = NewConfiguration(hPrinter, pHeader->pszPrinterName,
+                                                        (pHeader->Flags & DM_NOPERMISSION) != 0);
+    if (!pConfig) {
+        ASSERT(pConfig != 0);
+        return -1;
+    }
+    auto* lpdi = new (std::nothrow) TVODialogInfo;
+    if (!lpdi) {
+        ASSERT(lpdi != 0);
+        delete pConfig;
+        return -2;
+    }
+    pPSUIInfo->UserData = reinterpret_cast<ULONG_PTR>(lpdi);
+    FillCommon(lpdi, pPSUIInfo, pConfig, hPrinter);
+    lpdi->wMode = DM_USER_DEFAULT;
+    lpdi->bExtDevMode = 1;
+    StartRecords(lpdi, hPrinter);
+    lpdi->lpDM = lpdi->lpDMTarget = &lpdi->dmScratch;
+
+    TVOTab* pAbout = MakeAboutTab(lpdi, pConfig);
+    if (!pAbout) {
+        ASSERT(pAbout != 0);
+        return -3;
+    }
+    lpdi->pTabs[0] = pAbout;
+    lpdi->nTabs = 1;
+    PROPSHEETPAGEW page = PageFor(lpdi, IDD_ABOUT_TAB, pAbout);
+    if (!AddPages(lpdi, &page, 1, -1))
+        return -3;
+    return 1;
 }

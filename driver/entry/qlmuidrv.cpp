@@ -4,6 +4,7 @@
 
 #include "../foundation/qlmtrace.h"
 #include "../foundation/qlmutils.h"
+#include "../dialogs/tvoprinteripdlg.h"
 
 #ifdef _WIN32
 #define QLM_EXPORT extern "C"
@@ -14,12 +15,15 @@
 // Built at load, before DllMain; its destructor runs at unload.
 static TVONTUIDriver s_Driver;
 
-// Saves the instance for resources and dialogs, whatever the reason; no teardown here.
+// Saves the instance for resources and dialogs, whatever the reason; no teardown here. The
+// refresh's address question becomes the address dialog once the library is loaded.
 QLM_EXPORT BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD reason, LPVOID reserved)
 {
     SetTraceModuleName(TEXT("QLMUIDrv"));
     g_hInstance = hInstance;
     DisableThreadLibraryCalls(hInstance);
+    if (reason == DLL_PROCESS_ATTACH)
+        QLMInstallPrinterAddressDialog();
     return TRUE;
 }
 
@@ -98,26 +102,11 @@ QLM_EXPORT int WINAPI DrvDocumentEvent(HANDLE hPrinter, HDC hdc, int iEsc, ULONG
     return iEsc == DOCUMENTEVENT_QUERYFILTER ? 0 : 1;
 }
 
-// The window procedures are exported by ordinal for the resource templates of the dialogs.
-// Until their dialogs exist they handle no message.
+// The window procedures are exported by ordinal as well. The dialog base's and the tab
+// base's live in their units; the accounting dialog's numeric filter comes with that dialog,
+// and until then it handles no message.
 QLM_EXPORT LRESULT CALLBACK NumericEditSubclassProc(HWND hwnd, UINT msg, WPARAM wParam,
                                                     LPARAM lParam)
-{
-    return 0;
-}
-
-QLM_EXPORT INT_PTR CALLBACK TVODialogProcedure(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
-{
-    return FALSE;
-}
-
-QLM_EXPORT INT_PTR CALLBACK TVOTabProcedure(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam)
-{
-    return FALSE;
-}
-
-QLM_EXPORT LRESULT CALLBACK TVODialogNumericEditSubclassProc(HWND hwnd, UINT msg, WPARAM wParam,
-                                                             LPARAM lParam)
 {
     return 0;
 }

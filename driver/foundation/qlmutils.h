@@ -38,3 +38,16 @@ LONG QLMGetUserDWORD(HANDLE hPrinter, LPCWSTR pszTag, DWORD* pValue);
 // begins with a backslash without replacing another: pass the text QLMGetPrinterName gave to
 // reach the key the set operations use.
 LONG QLMGetUserBINARY(LPCWSTR pPrinterName, LPCWSTR pszTag, BYTE* pData, DWORD* pcbLen);
+
+// The wait cursor for as long as the object lives; the cursor that was there comes back.
+class QLMWaitCursor
+{
+public:
+    QLMWaitCursor() : m_hOld(SetCursor(LoadCursorW(nullptr, IDC_WAIT))) {}
+    ~QLMWaitCursor() { SetCursor(m_hOld); }
+    QLMWaitCursor(const QLMWaitCursor&) = delete;
+    QLMWaitCursor& operator=(const QLMWaitCursor&) = delete;
+
+private:
+    HCURSOR m_hOld;
+};

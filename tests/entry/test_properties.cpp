@@ -181,16 +181,18 @@ TEST(DrvDocumentPropertySheets, NullHeaderIsRefusedAndNoSheetReadsNoSwitches)
     EXPECT_EQ(13484, driver.DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header)));
     EXPECT_EQ(0, g_bAssertMsgBox) << "the size question reads no switches";
 
-    // A sheet reason does read them; the sheets themselves are not built yet.
+    // A sheet reason does read them. INIT starts from empty user data, whatever was there.
     PROPSHEETUI_INFO info{};
     info.cbSize = sizeof(info);
     info.Reason = PROPSHEETUI_REASON_INIT;
     info.lParamInit = reinterpret_cast<LPARAM>(&header);
     info.UserData = 0x1234;
-    EXPECT_EQ(-1, driver.DrvDocumentPropertySheets(&info, reinterpret_cast<LPARAM>(&header)));
+    EXPECT_EQ(1, driver.DrvDocumentPropertySheets(&info, reinterpret_cast<LPARAM>(&header)));
     EXPECT_EQ(1, g_bAssertMsgBox);
-    EXPECT_EQ(0u, info.UserData);
+    EXPECT_NE(0x1234u, info.UserData);
     g_bAssertMsgBox = 0;
+    info.Reason = PROPSHEETUI_REASON_DESTROY;
+    EXPECT_EQ(1, driver.DrvDocumentPropertySheets(&info, 1));
     info.Reason = PROPSHEETUI_REASON_GET_INFO_HEADER;
     EXPECT_EQ(0, driver.DrvDocumentPropertySheets(&info, reinterpret_cast<LPARAM>(&header)));
 }

@@ -87,6 +87,7 @@ int CapsCommand(Args& args, const Options& options);
 int EventCommand(Args& args, const Options& options);
 int RefreshCommand(Args& args, const Options& options);
 int ParseCommand(Args& args, const Options& options);
+int SheetCommand(Args& args, const Options& options);
 int PrinterStateCommand(Args& args, const Options& options);
 int DevmodeLayout(Args& args, const Options& options);
 int DevmodeNew(Args& args, const Options& options);

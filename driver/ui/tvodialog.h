@@ -1,0 +1,76 @@
+// TVODialog: the base of every dialog and property-sheet tab. One object is bound to one window
+// of a template of the resource library; the window's messages reach the object's DialogProc.
+// The base gives what all dialogs need: the selected value of a list, centring, the numeric
+// key filter of edit fields, context help, locking for users without permission, enabling by
+// firmware level, and the one warning box for values out of range.
+#pragma once
+
+#include "../../platform/win32.h"
+#include "../devmode/devmodeex.h"
+#include "../foundation/tvofixed.h"
+
+class TVOPrinterConfiguration;
+
+class TVODialog
+{
+public:
+    TVODialog();
+    virtual ~TVODialog();
+    TVODialog(const TVODialog&) = delete;
+    TVODialog& operator=(const TVODialog&) = delete;
+
+    // The result for the system's dialog procedure.
+    virtual INT_PTR DialogProc(UINT message, WPARAM wParam, LPARAM lParam) = 0;
+    // Keeps its place in the table of virtual functions; nothing depends on it.
+    virtual BOOL DefaultTrue();
+    virtual void setModified(BOOL bModified);
+    virtual void OnDMChange();
+    virtual void SetControlsFromDM();
+    // Disables the controls of m_pPermissionIDs when the user has no permission; never
+    // enables anything.
+    virtual void LockControls(BOOL bHasPermission);
+
+    // The value given to EndDialog: 1 for OK, 2 for Cancel.
+    INT_PTR doModal(HWND hWndParent);
+    BOOL getModified() const { return m_bModified; }
+    // Item data of the list's selected entry; CB_ERR passes through when nothing is selected.
+    DWORD GetComboSelection(int controlId);
+    void CenterDialog(HWND hWndReference);
+    void SubclassNumericEdit(int controlId);
+    // Enables the count controls when the record's firmware is at least minimumRevision,
+    // disables them otherwise.
+    void EnableForFirmware(const int* ids, int count, LONG minimumRevision);
+    // The warning for a value out of range; controlId is the label beside the field.
+    void ShowRangeError(int controlId, long minimum, long maximum);
+    void ShowRangeError(int controlId, TVOFixed minimum, TVOFixed maximum);
+    // WM_HELP: the control's topic of the help file, as a popup.
+    void OnHelp(HWND hWnd, WPARAM wParam, const HELPINFO* helpInfo);
+
+    HWND m_hWnd = nullptr;
+    WNDPROC m_wpOrigEditProc = nullptr;
+    int m_iResourceID = 0;
+    DEVMODEEX* m_pDM = nullptr;
+    TVOPrinterConfiguration* m_pConfig = nullptr;
+    const DWORD* m_pPermissionIDs = nullptr;
+    BOOL m_bModified = 0;
+
+private:
+    void ShowRangeMessage(int controlId, DWORD cchLabel, const WCHAR* minimum,
+                          const WCHAR* maximum);
+};
+
+// The window procedures are exports of the driver library as well as the system's callbacks.
+#ifdef _WIN32
+#define QLM_PROC_EXPORT
+#else
+#define QLM_PROC_EXPORT __attribute__((visibility("default")))
+#endif
+extern "C" QLM_PROC_EXPORT INT_PTR CALLBACK TVODialogProcedure(HWND hWnd, UINT message,
+                                                               WPARAM wParam, LPARAM lParam);
+extern "C" QLM_PROC_EXPORT LRESULT CALLBACK TVODialogNumericEditSubclassProc(HWND hWnd,
+                                                                             UINT message,
+                                                                             WPARAM wParam,
+                                                                             LPARAM lParam);
+
+// The characters the numeric filter lets through, besides backspace. The digit 0 stands twice.
+extern const WCHAR kNUMERIC_EDIT_CHARS[];
