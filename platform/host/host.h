@@ -160,6 +160,8 @@ struct UserAction
 // Parses and installs a script, replacing any; false with "line N: ..." in *error, nothing
 // installed. Installing a script clears the failures recorded before.
 bool SetUserScript(const std::string& script, std::string* error);
+// Adds a script's actions behind those still to come; its lines count from 1 of their own.
+bool AppendUserScript(const std::string& script, std::string* error);
 void ClearUserScript();
 bool PeekUserAction(UserAction* action); // the next action, not taken
 bool TakeUserAction(UserAction* action);

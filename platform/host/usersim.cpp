@@ -330,9 +330,11 @@ namespace host {
 
 using namespace detail;
 
-bool SetUserScript(const std::string& script, std::string* error)
+namespace {
+
+bool ParseScript(const std::string& script, std::deque<UserAction>* parsed, std::string* error)
 {
-    std::deque<UserAction> actions;
+    std::deque<UserAction>& actions = *parsed;
     size_t start = 0;
     int line = 0;
     while (start <= script.size()) {
@@ -360,9 +362,33 @@ bool SetUserScript(const std::string& script, std::string* error)
         }
         actions.push_back(std::move(action));
     }
+    return true;
+}
+
+} // namespace
+
+bool SetUserScript(const std::string& script, std::string* error)
+{
+    std::deque<UserAction> actions;
+    if (!ParseScript(script, &actions, error)) {
+        return false;
+    }
     Lock lock(StateMutex());
     State().actions = std::move(actions);
     State().failures.clear();
+    return true;
+}
+
+bool AppendUserScript(const std::string& script, std::string* error)
+{
+    std::deque<UserAction> actions;
+    if (!ParseScript(script, &actions, error)) {
+        return false;
+    }
+    Lock lock(StateMutex());
+    for (UserAction& action : actions) {
+        State().actions.push_back(std::move(action));
+    }
     return true;
 }
 

@@ -705,7 +705,8 @@ const Command g_Commands[] = {
      RefreshCommand,
      "The driver's refresh runs on the queue's stored record: the port's address, TCP port\n"
      "  2000, six PJL queries; the record is stored again and what the printer said is shown.\n"
-     "  When no address answers, the global --address TEXT answers the address question once.\n"
+     "  When no address answers, the driver shows its address dialog; the global --address TEXT\n"
+     "  answers it (typed, then OK) once, and a dialog that comes again is cancelled.\n"
      "  --capture FILE reads the six replies from FILE instead of the printer: the driver's\n"
      "  debug switch DBG_BidiFromFile is on for the run and FILE is picked in the open dialog.\n"
      "  Exit 1, the record unchanged, when no printer answers or a question is cancelled."},

@@ -14,6 +14,7 @@ struct Options
     std::string driverLibrary; // QLMUIDrv.so to load
     // The answer to the printer address question, when the user gave one.
     std::optional<std::string> address;
+    std::string addressScript; // the actions that answer the address dialog with it
 };
 
 // The words of one command line after the global options, with its flags picked out.

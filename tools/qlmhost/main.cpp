@@ -4,6 +4,7 @@
 #include "commands.h"
 
 #include "platform/host/host.h"
+#include "resources/qlmres.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -18,7 +19,8 @@ void PrintHelp()
     printf("usage: qlmhost [--home DIR] [--user NAME] [--metric|--us] [--os-major N]\n"
            "               [--driver-lib PATH] [--address TEXT] COMMAND ... [--json]\n\n"
            "State lives in DIR (default $QLMHOST_HOME, else ~/.qlmhost). --address answers the\n"
-           "printer address question of a refresh that reaches no printer.\n\ncommands:\n");
+           "printer address dialog of a refresh that reaches no printer, as if typed and "
+           "OK'd.\n\ncommands:\n");
     for (size_t i = 0; i < g_cCommands; i++)
         printf("  %-14s %s\n  %-14s   %s\n", g_Commands[i].name, g_Commands[i].usage, "",
                g_Commands[i].summary);
@@ -124,6 +126,14 @@ int main(int argc, char** argv)
         host::SetSystemVersion(static_cast<DWORD>(major), minor, build);
     }
 
+    // The address dialog, when it comes, is answered as a person would: the address typed, OK.
+    if (options.address) {
+        std::string error;
+        options.addressScript =
+            "type " + std::to_string(IDC_PRINTERIP_ADDRESS) + " " + *options.address + "\nok\n";
+        if (!host::SetUserScript(options.addressScript, &error))
+            return GlobalUsageError("--address: " + error);
+    }
     options.json = args.Flag("--json");
     int rc = command->run(args, options);
     host::CloseStore();

@@ -10,6 +10,7 @@
 #include "driver/dialogue/qlmrefresh.h"
 #include "driver/dialogue/qlmrefresh_decode.h"
 #include "driver/dialogue/tvoparsepjl.h"
+#include "driver/dialogs/tvoprinteripdlg.h"
 #include "platform/host/host.h"
 
 #include <cstdio>
@@ -21,23 +22,6 @@ namespace {
 
 const char16_t kDebugKey[] = u"DebugSettings";
 const char16_t kFromFileSwitch[] = u"DBG_BidiFromFile";
-
-// The user's answer to the address question, given once: a second question means that the
-// address did not answer either, and the user gives up.
-std::string g_address;
-bool g_addressGiven = false;
-
-BOOL AnswerAddressOnce(LPCWSTR, TVOPrinterConfiguration*, DEVMODEEX*, HWND, char* address,
-                       size_t cbAddress)
-{
-    if (g_addressGiven || g_address.empty() || g_address.size() + 1 > cbAddress) {
-        fprintf(stderr, "qlmhost: the printer did not answer; the address question is cancelled\n");
-        return FALSE;
-    }
-    g_addressGiven = true;
-    memcpy(address, g_address.c_str(), g_address.size() + 1);
-    return TRUE;
-}
 
 // Turns the switch that makes the refresh read a capture file on for the run, and puts back
 // what was there: a switch that was absent is left as 0, which reads the same.
@@ -154,9 +138,8 @@ int RefreshCommand(Args& args, const Options& options)
     TVOPrinterConfiguration config(printer.name());
     config.setPrinterHandle(printer.get());
 
-    g_address = options.address.value_or("");
-    g_addressGiven = false;
-    QLMRefreshQuestions old = QLMSetRefreshQuestions({AnswerAddressOnce, nullptr});
+    // The address question is the driver's dialog, answered by the global --address.
+    QLMInstallPrinterAddressDialog();
     int result;
     {
         std::optional<FromFileSwitch> fromFileSwitch;
@@ -167,7 +150,6 @@ int RefreshCommand(Args& args, const Options& options)
         result = QLMRefresh(&config, devmode.m_lpDM, nullptr);
         host::ClearFilePickerAnswers();
     }
-    QLMSetRefreshQuestions(old);
 
     std::string error;
     bool stored = result == 1 && StoreRecord(printer.get(), devmode.m_lpDM, &error);

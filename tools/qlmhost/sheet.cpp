@@ -131,7 +131,8 @@ int SheetCommand(Args& args, const Options& options)
     std::string script, error;
     if (hasScript && !ReadScript(scriptPath, &script))
         return Fail("cannot read the script '" + scriptPath + "'");
-    if (!host::SetUserScript(script, &error))
+    // Behind the answer to the address dialog (--address), which comes before the sheet opens.
+    if (!host::AppendUserScript(script, &error))
         return Fail(scriptPath + ": " + error);
     std::vector<uint8_t> input;
     if (hasIn && !ReadRecordFile(inPath, &input, &error))

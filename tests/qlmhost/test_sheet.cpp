@@ -1,0 +1,60 @@
+// qlmhost sheet as a person uses it: the device sheet's about tab with the resource library's
+// version, the document sheet's result and record, and a script line that does not hold.
+#include "qlmhosttest.h"
+
+using namespace qlmhosttest;
+
+class SheetCommand : public QlmhostTest
+{
+protected:
+    void SetUp() override
+    {
+        QlmhostTest::SetUp();
+        AddPrinter("P");
+    }
+    std::string Script(const std::string& text)
+    {
+        return WriteFile("script", {text.begin(), text.end()});
+    }
+};
+
+TEST_F(SheetCommand, TheDeviceSheetsAboutTabShowsTheProductVersions)
+{
+    Outcome run = Real({"sheet", "P", "--device", "--dump", "--script", Script("ok\n")});
+    ASSERT_EQ(0, run.rc) << run.err;
+    EXPECT_NE(std::string::npos, run.out.find("DrvDevicePropertySheets: 1 (OK)")) << run.out;
+    EXPECT_NE(std::string::npos, run.out.find("dialog 106")) << run.out;
+    EXPECT_NE(std::string::npos, run.out.find("1932 Static text \"12.7.0.0\"")) << run.out;
+}
+
+TEST_F(SheetCommand, TheDocumentSheetGivesItsResultAndTheCallersRecord)
+{
+    Outcome ok = Real({"sheet", "P", "--json", "--script", Script("# the about tab only\nok\n")});
+    ASSERT_EQ(0, ok.rc) << ok.err;
+    Json json;
+    ASSERT_TRUE(ParseJson(ok.out, &json)) << ok.out;
+    EXPECT_EQ(1, json["result"].Int());
+    EXPECT_EQ("P", json["record"]["dmDeviceName"].Utf8());
+    EXPECT_EQ(13264, json["record"]["dmDriverExtra"].Int());
+
+    // No script: the sheet is closed as Cancel and the caller's buffer stays empty.
+    Outcome closed = Real({"sheet", "P", "--json"});
+    ASSERT_EQ(0, closed.rc) << closed.err;
+    Json cancelled;
+    ASSERT_TRUE(ParseJson(closed.out, &cancelled));
+    EXPECT_EQ(0, cancelled["result"].Int());
+    EXPECT_EQ(0, cancelled["record"]["dmSize"].Int());
+}
+
+TEST_F(SheetCommand, AScriptLineThatDoesNotHoldFailsTheRunByItsNumber)
+{
+    Outcome run =
+        Real({"sheet", "P", "--script", Script("ok\n"), "--mode", "DM_IN_PROMPT|DM_BOGUS"});
+    EXPECT_EQ(2, run.rc);
+    Outcome bad = Real({"sheet", "P", "--script", Script("expect 1932 text 0.0\nok\n")});
+    EXPECT_EQ(1, bad.rc);
+    EXPECT_NE(std::string::npos, bad.err.find("line 1:")) << bad.err;
+    Outcome unreadable = Real({"sheet", "P", "--script", Script("wave hello\n")});
+    EXPECT_EQ(1, unreadable.rc);
+    EXPECT_NE(std::string::npos, unreadable.err.find("line 1:")) << unreadable.err;
+}
