@@ -421,27 +421,27 @@
 #define IDS_RENDER_REDUCED_RASTER     132 // IDC_RENDER_RASTER_CAPTION with reduced controls
 
 // ---- Device settings tab (IDD_DEVICE_TAB) -----------------------------------------------
-#define IDC_DEVICE_ACCOUNTING        1034
-#define IDC_DEVICE_FINISHER          1066
-#define IDC_DEVICE_FIRMWARE          1068
-#define IDC_DEVICE_INCHES            1091
-#define IDC_DEVICE_MM                1092
-#define IDC_DEVICE_ROLLS             1100
-#define IDC_DEVICE_ACCOUNT_IDS       1120
-#define IDC_DEVICE_UNITS_CAPTION     1217
-#define IDC_DEVICE_BIDI_CAPTION      1250
-#define IDC_DEVICE_REFRESH_ON_OPEN   1251
-#define IDC_DEVICE_REFRESH           1252
-#define IDC_DEVICE_FIRMWARE_CAPTION  1253
-#define IDC_DEVICE_FINISHER_CAPTION  1254
-#define IDC_DEVICE_OWNER_LOGIN       1343
-#define IDC_DEVICE_OWNER_TYPED       1344
-#define IDC_DEVICE_OWNER             1345
-#define IDC_DEVICE_OWNER_CAPTION     1346
-#define IDS_ACCOUNTING_REQUIRED      114
-#define IDS_FINISHER_FROM_FILE       6100 // finisher list row: read a description file
-#define IDS_FINISHER_FILE_TITLE      6101
-#define IDS_FINISHER_FILE_FILTER     6102 // its last character separates the parts
+#define IDC_DEVICE_ACCOUNTING       1034
+#define IDC_DEVICE_FINISHER         1066
+#define IDC_DEVICE_FIRMWARE         1068
+#define IDC_DEVICE_INCHES           1091
+#define IDC_DEVICE_MM               1092
+#define IDC_DEVICE_ROLLS            1100
+#define IDC_DEVICE_ACCOUNT_IDS      1120
+#define IDC_DEVICE_UNITS_CAPTION    1217
+#define IDC_DEVICE_BIDI_CAPTION     1250
+#define IDC_DEVICE_REFRESH_ON_OPEN  1251
+#define IDC_DEVICE_REFRESH          1252
+#define IDC_DEVICE_FIRMWARE_CAPTION 1253
+#define IDC_DEVICE_FINISHER_CAPTION 1254
+#define IDC_DEVICE_OWNER_LOGIN      1343
+#define IDC_DEVICE_OWNER_TYPED      1344
+#define IDC_DEVICE_OWNER            1345
+#define IDC_DEVICE_OWNER_CAPTION    1346
+#define IDS_ACCOUNTING_REQUIRED     114
+#define IDS_FINISHER_FROM_FILE      6100 // finisher list row: read a description file
+#define IDS_FINISHER_FILE_TITLE     6101
+#define IDS_FINISHER_FILE_FILTER    6102 // its last character separates the parts
 
 // ---- About tab (IDD_ABOUT_TAB) and dialog (IDD_ABOUT) -----------------------------------
 #define IDC_ABOUT_MODEL_BITMAP  57
@@ -467,109 +467,109 @@
 #define IDC_FINISH_FOLD_OPTION     1274
 #define IDC_FINISH_OPTION          1334
 // Translated FOLD_ program names of a finisher of version "0.0".
-#define IDS_FOLD_190               5027
-#define IDS_FOLD_210               5028
-#define IDS_FOLD_190_MARGIN        5029
-#define IDS_FOLD_ANSI_A            5030
-#define IDS_FOLD_ARCH_A            5031
-#define IDS_FOLD_7HALFX11_MARGIN   5032
-#define IDS_FOLD_7HALFX11          5033
+#define IDS_FOLD_190             5027
+#define IDS_FOLD_210             5028
+#define IDS_FOLD_190_MARGIN      5029
+#define IDS_FOLD_ANSI_A          5030
+#define IDS_FOLD_ARCH_A          5031
+#define IDS_FOLD_7HALFX11_MARGIN 5032
+#define IDS_FOLD_7HALFX11        5033
 // The program description: captions, the size line, and the names of each capability.
-#define IDS_UNITS_INCHES_SHORT     5307
-#define IDS_FINISH_UNKNOWN         6103
-#define IDS_FINISH_FAN_2           6104 // to IDS_FINISH_FAN_2 + 6 for accordion folds 2 to 8
-#define IDS_FINISH_CROSS_2         6120 // to IDS_FINISH_CROSS_2 + 9 for cross folds 2 to 11
-#define IDS_FINISH_PUNCH_NONE      6140
-#define IDS_FINISH_PUNCH_2         6141
-#define IDS_FINISH_PUNCH_3         6142
-#define IDS_FINISH_PUNCH_4         6143
-#define IDS_FINISH_TAB_NONE        6144
-#define IDS_FINISH_TAB_2           6145
-#define IDS_FINISH_TAB_3           6146
-#define IDS_FINISH_FAN_CAPTION     6150
-#define IDS_FINISH_CROSS_CAPTION   6151
-#define IDS_FINISH_SIZES           6152 // width, length, unit, margin, unit
-#define IDS_FINISH_SEPARATOR       6153
-#define IDS_FINISH_BIN_PRINTER     6156
-#define IDS_FINISH_NO_FOLD         6157
+#define IDS_UNITS_INCHES_SHORT   5307
+#define IDS_FINISH_UNKNOWN       6103
+#define IDS_FINISH_FAN_2         6104 // to IDS_FINISH_FAN_2 + 6 for accordion folds 2 to 8
+#define IDS_FINISH_CROSS_2       6120 // to IDS_FINISH_CROSS_2 + 9 for cross folds 2 to 11
+#define IDS_FINISH_PUNCH_NONE    6140
+#define IDS_FINISH_PUNCH_2       6141
+#define IDS_FINISH_PUNCH_3       6142
+#define IDS_FINISH_PUNCH_4       6143
+#define IDS_FINISH_TAB_NONE      6144
+#define IDS_FINISH_TAB_2         6145
+#define IDS_FINISH_TAB_3         6146
+#define IDS_FINISH_FAN_CAPTION   6150
+#define IDS_FINISH_CROSS_CAPTION 6151
+#define IDS_FINISH_SIZES         6152 // width, length, unit, margin, unit
+#define IDS_FINISH_SEPARATOR     6153
+#define IDS_FINISH_BIN_PRINTER   6156
+#define IDS_FINISH_NO_FOLD       6157
 
 // ---- Label dialog (IDD_LABEL) -----------------------------------------------------------
-#define IDC_LABEL_FONT             1004
-#define IDC_LABEL_X                1032
-#define IDC_LABEL_Y                1033
-#define IDC_LABEL_TEXT             1050
-#define IDC_LABEL_ANGLE            1055
-#define IDC_LABEL_DENSITY          1058
-#define IDC_LABEL_SIZE             1059
-#define IDC_LABEL_OFFSET_X         1064
-#define IDC_LABEL_OFFSET_Y         1065
-#define IDC_LABEL_FIELDS           1082
-#define IDC_LABEL_ANGLE_SPIN       1110
-#define IDC_LABEL_DENSITY_SPIN     1113
-#define IDC_LABEL_SIZE_SPIN        1114
-#define IDC_LABEL_OFFSET_X_SPIN    1118
-#define IDC_LABEL_OFFSET_Y_SPIN    1119
-#define IDC_LABEL_FONT_CAPTION     1142
-#define IDC_LABEL_FONT_GROUP       1148
-#define IDC_LABEL_PLACEMENT_GROUP  1149
-#define IDC_LABEL_ANGLE_UNIT       1185
-#define IDC_LABEL_DENSITY_CAPTION  1189
-#define IDC_LABEL_DENSITY_UNIT     1190
-#define IDC_LABEL_SIZE_CAPTION     1191
-#define IDC_LABEL_SIZE_UNIT        1192
-#define IDC_LABEL_X_CAPTION        1222
-#define IDC_LABEL_OFFSET_X_UNIT    1223
-#define IDC_LABEL_Y_CAPTION        1224
-#define IDC_LABEL_OFFSET_Y_UNIT    1225
+#define IDC_LABEL_FONT            1004
+#define IDC_LABEL_X               1032
+#define IDC_LABEL_Y               1033
+#define IDC_LABEL_TEXT            1050
+#define IDC_LABEL_ANGLE           1055
+#define IDC_LABEL_DENSITY         1058
+#define IDC_LABEL_SIZE            1059
+#define IDC_LABEL_OFFSET_X        1064
+#define IDC_LABEL_OFFSET_Y        1065
+#define IDC_LABEL_FIELDS          1082
+#define IDC_LABEL_ANGLE_SPIN      1110
+#define IDC_LABEL_DENSITY_SPIN    1113
+#define IDC_LABEL_SIZE_SPIN       1114
+#define IDC_LABEL_OFFSET_X_SPIN   1118
+#define IDC_LABEL_OFFSET_Y_SPIN   1119
+#define IDC_LABEL_FONT_CAPTION    1142
+#define IDC_LABEL_FONT_GROUP      1148
+#define IDC_LABEL_PLACEMENT_GROUP 1149
+#define IDC_LABEL_ANGLE_UNIT      1185
+#define IDC_LABEL_DENSITY_CAPTION 1189
+#define IDC_LABEL_DENSITY_UNIT    1190
+#define IDC_LABEL_SIZE_CAPTION    1191
+#define IDC_LABEL_SIZE_UNIT       1192
+#define IDC_LABEL_X_CAPTION       1222
+#define IDC_LABEL_OFFSET_X_UNIT   1223
+#define IDC_LABEL_Y_CAPTION       1224
+#define IDC_LABEL_OFFSET_Y_UNIT   1225
 // The special-field menu (its first submenu) of IDC_LABEL_FIELDS, and the text each appends.
-#define IDM_LABEL_FIELDS           300
-#define IDM_FIELD_DATE             2001
-#define IDM_FIELD_TIME             2002
-#define IDM_FIELD_USER             2003
-#define IDM_FIELD_DOCUMENT         2004
-#define IDM_FIELD_PAGE             2005
-#define IDM_FIELD_COPIES           2006
-#define IDM_FIELD_PAPER            2007
-#define IDM_FIELD_PRINTER          2008
-#define IDS_FIELD_DATE             5501
-#define IDS_FIELD_TIME             5502
-#define IDS_FIELD_USER             5503
-#define IDS_FIELD_DOCUMENT         5504
-#define IDS_FIELD_PRINTER          5505
-#define IDS_FIELD_PAGE             5506
-#define IDS_FIELD_COPIES           5507
-#define IDS_FIELD_PAPER            5508
+#define IDM_LABEL_FIELDS   300
+#define IDM_FIELD_DATE     2001
+#define IDM_FIELD_TIME     2002
+#define IDM_FIELD_USER     2003
+#define IDM_FIELD_DOCUMENT 2004
+#define IDM_FIELD_PAGE     2005
+#define IDM_FIELD_COPIES   2006
+#define IDM_FIELD_PAPER    2007
+#define IDM_FIELD_PRINTER  2008
+#define IDS_FIELD_DATE     5501
+#define IDS_FIELD_TIME     5502
+#define IDS_FIELD_USER     5503
+#define IDS_FIELD_DOCUMENT 5504
+#define IDS_FIELD_PRINTER  5505
+#define IDS_FIELD_PAGE     5506
+#define IDS_FIELD_COPIES   5507
+#define IDS_FIELD_PAPER    5508
 
 // ---- Unprintable margin dialog (IDD_UNPRINTABLE) ----------------------------------------
 // The margins by their place in dmxUnprintableMargin: top 0, bottom 1, right 2, left 3.
-#define IDC_UNPRINTABLE_X              1005
-#define IDC_UNPRINTABLE_Y              1031
-#define IDC_UNPRINTABLE_BOTTOM         1048
-#define IDC_UNPRINTABLE_OFFSET_X       1049
-#define IDC_UNPRINTABLE_LEFT           1051
-#define IDC_UNPRINTABLE_RIGHT          1054
-#define IDC_UNPRINTABLE_TOP            1061
-#define IDC_UNPRINTABLE_OFFSET_Y       1062
-#define IDC_UNPRINTABLE_BOTTOM_SPIN    1101
-#define IDC_UNPRINTABLE_OFFSET_X_SPIN  1104
-#define IDC_UNPRINTABLE_LEFT_SPIN      1105
-#define IDC_UNPRINTABLE_RIGHT_SPIN     1109
-#define IDC_UNPRINTABLE_TOP_SPIN       1115
-#define IDC_UNPRINTABLE_OFFSET_Y_SPIN  1116
-#define IDC_UNPRINTABLE_BOTTOM_CAPTION 1131
-#define IDC_UNPRINTABLE_BOTTOM_UNIT    1132
-#define IDC_UNPRINTABLE_X_CAPTION      1143
-#define IDC_UNPRINTABLE_OFFSET_X_UNIT  1144
+#define IDC_UNPRINTABLE_X               1005
+#define IDC_UNPRINTABLE_Y               1031
+#define IDC_UNPRINTABLE_BOTTOM          1048
+#define IDC_UNPRINTABLE_OFFSET_X        1049
+#define IDC_UNPRINTABLE_LEFT            1051
+#define IDC_UNPRINTABLE_RIGHT           1054
+#define IDC_UNPRINTABLE_TOP             1061
+#define IDC_UNPRINTABLE_OFFSET_Y        1062
+#define IDC_UNPRINTABLE_BOTTOM_SPIN     1101
+#define IDC_UNPRINTABLE_OFFSET_X_SPIN   1104
+#define IDC_UNPRINTABLE_LEFT_SPIN       1105
+#define IDC_UNPRINTABLE_RIGHT_SPIN      1109
+#define IDC_UNPRINTABLE_TOP_SPIN        1115
+#define IDC_UNPRINTABLE_OFFSET_Y_SPIN   1116
+#define IDC_UNPRINTABLE_BOTTOM_CAPTION  1131
+#define IDC_UNPRINTABLE_BOTTOM_UNIT     1132
+#define IDC_UNPRINTABLE_X_CAPTION       1143
+#define IDC_UNPRINTABLE_OFFSET_X_UNIT   1144
 #define IDC_UNPRINTABLE_PLACEMENT_GROUP 1146
-#define IDC_UNPRINTABLE_LEFT_CAPTION   1150
-#define IDC_UNPRINTABLE_LEFT_UNIT      1151
-#define IDC_UNPRINTABLE_MARGINS_GROUP  1159
-#define IDC_UNPRINTABLE_RIGHT_CAPTION  1176
-#define IDC_UNPRINTABLE_RIGHT_UNIT     1177
-#define IDC_UNPRINTABLE_TOP_CAPTION    1214
-#define IDC_UNPRINTABLE_TOP_UNIT       1215
-#define IDC_UNPRINTABLE_Y_CAPTION      1218
-#define IDC_UNPRINTABLE_OFFSET_Y_UNIT  1219
+#define IDC_UNPRINTABLE_LEFT_CAPTION    1150
+#define IDC_UNPRINTABLE_LEFT_UNIT       1151
+#define IDC_UNPRINTABLE_MARGINS_GROUP   1159
+#define IDC_UNPRINTABLE_RIGHT_CAPTION   1176
+#define IDC_UNPRINTABLE_RIGHT_UNIT      1177
+#define IDC_UNPRINTABLE_TOP_CAPTION     1214
+#define IDC_UNPRINTABLE_TOP_UNIT        1215
+#define IDC_UNPRINTABLE_Y_CAPTION       1218
+#define IDC_UNPRINTABLE_OFFSET_Y_UNIT   1219
 
 // ---- Customise dialog (IDD_CUSTOMISE) ---------------------------------------------------
 #define IDC_CUSTOMISE_ANSI           1036
@@ -606,39 +606,39 @@
 #define IDS_SUBACCOUNT_RANGE    6004
 
 // ---- Raster stamp dialog (IDD_STAMP) ----------------------------------------------------
-#define IDC_STAMP_NAME            1012
-#define IDC_STAMP_SCALE           1057
-#define IDC_STAMP_FRONT           1089
-#define IDC_STAMP_BEHIND          1090
-#define IDC_STAMP_SCALE_SPIN      1112
-#define IDC_STAMP_ROTATION        1156
-#define IDC_STAMP_NAME_CAPTION    1173
-#define IDC_STAMP_SCALE_CAPTION   1187
-#define IDC_STAMP_SCALE_UNIT      1256
-#define IDC_STAMP_LAYER_GROUP     1257
-#define IDC_STAMP_X               1355
-#define IDC_STAMP_Y               1356
-#define IDC_STAMP_OFFSET_X        1360
-#define IDC_STAMP_OFFSET_Y        1361
-#define IDC_STAMP_OFFSET_X_SPIN   1362
-#define IDC_STAMP_OFFSET_Y_SPIN   1363
-#define IDC_STAMP_X_CAPTION       1369
-#define IDC_STAMP_OFFSET_X_UNIT   1370
-#define IDC_STAMP_Y_CAPTION       1371
-#define IDC_STAMP_OFFSET_Y_UNIT   1372
+#define IDC_STAMP_NAME          1012
+#define IDC_STAMP_SCALE         1057
+#define IDC_STAMP_FRONT         1089
+#define IDC_STAMP_BEHIND        1090
+#define IDC_STAMP_SCALE_SPIN    1112
+#define IDC_STAMP_ROTATION      1156
+#define IDC_STAMP_NAME_CAPTION  1173
+#define IDC_STAMP_SCALE_CAPTION 1187
+#define IDC_STAMP_SCALE_UNIT    1256
+#define IDC_STAMP_LAYER_GROUP   1257
+#define IDC_STAMP_X             1355
+#define IDC_STAMP_Y             1356
+#define IDC_STAMP_OFFSET_X      1360
+#define IDC_STAMP_OFFSET_Y      1361
+#define IDC_STAMP_OFFSET_X_SPIN 1362
+#define IDC_STAMP_OFFSET_Y_SPIN 1363
+#define IDC_STAMP_X_CAPTION     1369
+#define IDC_STAMP_OFFSET_X_UNIT 1370
+#define IDC_STAMP_Y_CAPTION     1371
+#define IDC_STAMP_OFFSET_Y_UNIT 1372
 
 // ---- Roll configuration dialog (IDD_ROLLCONFIG) -----------------------------------------
 // Six rows of caption, size, media type and status; row n is the first plus n.
-#define IDC_ROLL_SIZE1          1017
-#define IDC_ROLL_SHEET_SIZE     1023
-#define IDC_ROLL_TYPE1          1024
-#define IDC_ROLL_SHEET_TYPE     1030
-#define IDC_ROLL_SHEET_CAPTION  1157
-#define IDC_ROLL_CAPTION1       1178
-#define IDC_ROLL_HEAD_ROLL      1191
-#define IDC_ROLL_HEAD_TYPE      1194
-#define IDC_ROLL_STATUS1        1195
-#define IDC_ROLL_HEAD_SIZE      1216
+#define IDC_ROLL_SIZE1            1017
+#define IDC_ROLL_SHEET_SIZE       1023
+#define IDC_ROLL_TYPE1            1024
+#define IDC_ROLL_SHEET_TYPE       1030
+#define IDC_ROLL_SHEET_CAPTION    1157
+#define IDC_ROLL_CAPTION1         1178
+#define IDC_ROLL_HEAD_ROLL        1191
+#define IDC_ROLL_HEAD_TYPE        1194
+#define IDC_ROLL_STATUS1          1195
+#define IDC_ROLL_HEAD_SIZE        1216
 #define IDS_ROLL_STATUS_NONE      5633
 #define IDS_ROLL_STATUS_EMPTY     5634
 #define IDS_ROLL_STATUS_NOT_READY 5635

@@ -11,7 +11,8 @@
 namespace {
 
 // A record of the given shape whose every byte behind the header is `fill`.
-std::vector<uint8_t> Record(WORD dmSize, WORD dmDriverExtra, uint8_t fill, WORD specVersion = 0x0401)
+std::vector<uint8_t> Record(WORD dmSize, WORD dmDriverExtra, uint8_t fill,
+                            WORD specVersion = 0x0401)
 {
     std::vector<uint8_t> bytes(size_t(dmSize) + dmDriverExtra + 16, fill);
     DEVMODEW* pdm = reinterpret_cast<DEVMODEW*>(bytes.data());

@@ -106,7 +106,7 @@ BOOL WINAPI FreeLibrary(HMODULE hLibModule);
 // of LoadResource is read-only and stays valid until the module's last FreeLibrary.
 typedef WORD LANGID;
 #define MAKELANGID(p, s)    ((((WORD)(s)) << 10) | (WORD)(p))
-#define PRIMARYLANGID(lgid) ((WORD)(lgid) & 0x3ff)
+#define PRIMARYLANGID(lgid) ((WORD)(lgid)&0x3ff)
 #define SUBLANGID(lgid)     ((WORD)(lgid) >> 10)
 #define LANG_NEUTRAL        0x00
 #define LANG_ENGLISH        0x09
