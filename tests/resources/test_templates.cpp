@@ -11,8 +11,11 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <optional>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -638,3 +641,62 @@ TEST_F(Templates, TheBitmapsAndIconsAreThere)
 }
 
 } // namespace
+
+namespace {
+
+// The identifiers the header names, by name: "#define IDC_X 1234" lines.
+std::map<std::string, long> HeaderIdentifiers(const std::string& path)
+{
+    std::map<std::string, long> ids;
+    std::ifstream header(path);
+    const std::regex define(R"(^\s*#define\s+(IDC_\w+)\s+\(?(-?\d+)\)?)");
+    std::smatch m;
+    for (std::string line; std::getline(header, line);) {
+        if (std::regex_search(line, m, define))
+            ids[m[1]] = std::stol(m[2]);
+    }
+    return ids;
+}
+
+// Every IDC_ name the driver's sources use.
+std::set<std::string> NamesTheDriverUses(const std::filesystem::path& root)
+{
+    std::set<std::string> names;
+    const std::regex use(R"(\bIDC_\w+)");
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+        const auto ext = entry.path().extension();
+        if (ext != ".cpp" && ext != ".h")
+            continue;
+        std::ifstream file(entry.path());
+        std::string text((std::istreambuf_iterator<char>(file)), {});
+        for (std::sregex_iterator it(text.begin(), text.end(), use), end; it != end; ++it)
+            names.insert(it->str());
+    }
+    return names;
+}
+
+} // namespace
+
+// A control the code addresses but no template holds would be missing on every platform.
+TEST_F(Templates, EveryControlTheCodeAddressesIsInATemplate)
+{
+    const std::string source = QLM_TEST_SOURCE_DIR;
+    const auto header = HeaderIdentifiers(source + "/resources/qlmres.h");
+    const auto used = NamesTheDriverUses(source + "/driver");
+    ASSERT_FALSE(used.empty());
+    std::set<uint32_t> held;
+    for (int id : {101, 102, 103, 104, 105, 106, 201, 204, 205, 206, 207, 208, 209, 210, 213, 214,
+                   215, 217}) {
+        auto t = Load(id);
+        ASSERT_TRUE(t) << id;
+        for (const auto& c : t->controls)
+            held.insert(c.id);
+    }
+    // Names the header lacks are the system's (cursors such as IDC_WAIT).
+    for (const std::string& name : used) {
+        auto it = header.find(name);
+        if (it == header.end())
+            continue;
+        EXPECT_TRUE(held.count(static_cast<uint32_t>(it->second))) << name << " is in no template";
+    }
+}
