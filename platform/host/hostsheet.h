@@ -24,7 +24,7 @@ struct SheetRun
     std::vector<int> activations;   // template ids in the order the pages became active
     bool applyEnabled = false;      // the Apply button when the sheet closed
     LONG_PTR result = 0;            // what SET_RESULT carried at the end
-    std::vector<std::string> calls; // "INIT 1", "ADD_HPROPSHEETPAGE", "SET_RESULT 1", ...
+    std::vector<std::string> calls; // "INIT 1", "CPSFUNC_SET_RESULT 1", ..., "DESTROY 1"
 };
 
 // The record of the last sheet (empty before the first).

@@ -165,7 +165,7 @@ LONG_PTR Sheet::ComPropSheet(UINT function, LPARAM lParam1, LPARAM lParam2)
 {
     switch (function) {
     case CPSFUNC_ADD_HPROPSHEETPAGE: {
-        m_run.calls.push_back("ADD_HPROPSHEETPAGE");
+        m_run.calls.push_back("CPSFUNC_ADD_HPROPSHEETPAGE");
         auto hPage = reinterpret_cast<HPROPSHEETPAGE>(lParam1);
         if (!FindPage(hPage))
             return 0;
@@ -173,18 +173,18 @@ LONG_PTR Sheet::ComPropSheet(UINT function, LPARAM lParam1, LPARAM lParam2)
         return static_cast<LONG_PTR>(m_pages.size()); // the page's handle within the sheet
     }
     case CPSFUNC_SET_HSTARTPAGE:
-        m_run.calls.push_back("SET_HSTARTPAGE " + std::to_string(lParam1));
+        m_run.calls.push_back("CPSFUNC_SET_HSTARTPAGE " + std::to_string(lParam1));
         if (lParam1 < 1 || static_cast<size_t>(lParam1) > m_pages.size())
             return 0;
         m_start = static_cast<size_t>(lParam1 - 1);
         return 1;
     case CPSFUNC_SET_RESULT:
         // The value the sheet reports when it ends; a later call replaces it.
-        m_run.calls.push_back("SET_RESULT " + std::to_string(lParam2));
+        m_run.calls.push_back("CPSFUNC_SET_RESULT " + std::to_string(lParam2));
         m_result = lParam2;
         return 1;
     default:
-        m_run.calls.push_back("function " + std::to_string(function));
+        m_run.calls.push_back("CPSFUNC " + std::to_string(function));
         return 0;
     }
 }
