@@ -10,6 +10,7 @@
 namespace {
 
 constexpr LONG kTIMEOUT_SECONDS = 5;
+constexpr DWORD kCLOSED_PEER_PAUSE_MS = 10;
 constexpr char kFORMFEED = 12;
 constexpr DWORD kERROR_TEXT_CCH = 1024;
 constexpr size_t kNAME_CCH = 32;
@@ -239,6 +240,10 @@ BOOL QLMSocket::SocketRecv(char* buffer, int size, int* pBytes)
             calls++;
             if (count > 0)
                 dwLastData = GetTickCount();
+            else
+                // A peer that has closed reads as ready at once and gives nothing: a short
+                // pause keeps the wait for the time-out from spinning.
+                Sleep(kCLOSED_PEER_PAUSE_MS);
             int formfeed = FindFormfeed(buffer, size);
             if (formfeed >= 0) {
                 Trace(TEXT("exitting loop because: found a formfeed at 0x%X"), formfeed);

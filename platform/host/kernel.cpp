@@ -6,6 +6,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 
 namespace {
@@ -138,6 +139,14 @@ DWORD WINAPI GetTickCount(void)
     clock_gettime(CLOCK_MONOTONIC, &ts);
     uint64_t ms = uint64_t(ts.tv_sec) * 1000u + uint64_t(ts.tv_nsec) / 1000000u;
     return DWORD(ms);
+}
+
+// Suspends the calling thread for at least dwMilliseconds, resuming after a signal.
+VOID WINAPI Sleep(DWORD dwMilliseconds)
+{
+    timespec rest{time_t(dwMilliseconds / 1000), long(dwMilliseconds % 1000) * 1000000L};
+    while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
+    }
 }
 
 // The POSIX process id, the number that tools listing processes show.

@@ -85,6 +85,7 @@ int WINAPI GetLocaleInfoW(LCID Locale, LCTYPE LCType, LPWSTR lpLCData, int cchDa
 
 // Time, user, debugging, modules.
 DWORD WINAPI GetTickCount(void);
+VOID WINAPI Sleep(DWORD dwMilliseconds);
 BOOL WINAPI GetUserNameW(LPWSTR lpBuffer, LPDWORD pcbBuffer);
 void WINAPI OutputDebugStringW(LPCWSTR lpOutputString);
 void WINAPI DebugBreak(void);
