@@ -11,47 +11,21 @@
 #include "driver/foundation/wstr.h"
 #include "platform/host/host.h"
 
+#include "benchhome.h"
+
 #include <benchmark/benchmark.h>
 
-#include <unistd.h>
-
 #include <cstring>
-#include <filesystem>
 #include <vector>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 // A private home with the built resource library installed and one queue of a 2440 with two
 // user forms; the handle stays open for the program's life.
 HANDLE Printer()
 {
     static HANDLE hPrinter = [] {
-        const fs::path built = fs::read_symlink("/proc/self/exe").parent_path().parent_path() /
-                               "resources" / "QLMRes.DLL";
-        const fs::path home =
-            fs::temp_directory_path() / ("qlmbench-caps-" + std::to_string(getpid()));
-        fs::create_directories(home);
-        static struct Cleanup
-        {
-            fs::path dir;
-            ~Cleanup()
-            {
-                std::error_code ignored;
-                fs::remove_all(dir, ignored);
-            }
-        } cleanup{home};
-        host::SetHomeDirectory(home.string());
-        host::OpenStore(":memory:");
-        host::InstallDriverFile(built.string(), u"QLMRes.DLL", 3);
-        host::PrinterRecord printer;
-        printer.name = u"Plan 2440";
-        printer.driverName = u"Tarvo Plan Output System 2440";
-        printer.portName = u"LPT1:";
-        host::AddPrinter(printer);
-        HANDLE h = nullptr;
-        OpenPrinterW(const_cast<LPWSTR>(u"Plan 2440"), &h, nullptr);
+        HANDLE h = benchhome::Plan2440();
         TVOPrinterConfiguration config(TEXT("Tarvo Plan Output System 2440"));
         config.m_UserFormCount = 2;
         const WCHAR* kNames[] = {TEXT("Banner"), TEXT("Poster")};

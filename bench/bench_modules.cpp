@@ -4,41 +4,20 @@
 #include "platform/host/modules.h"
 #include "resources/qlmres.h"
 
+#include "benchhome.h"
+
 #include <benchmark/benchmark.h>
 
-#include <unistd.h>
-
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 namespace {
 
-namespace fs = std::filesystem;
-
-// The build's QLMRes.DLL, beside this program's directory, installed into a private home.
+// The build's QLMRes.DLL, installed into the benchmarks' private home.
 const std::u16string& InstalledLibrary()
 {
-    static const std::u16string path = [] {
-        const fs::path built = fs::read_symlink("/proc/self/exe").parent_path().parent_path() /
-                               "resources" / "QLMRes.DLL";
-        const fs::path home = fs::temp_directory_path() / ("qlmbench-" + std::to_string(getpid()));
-        fs::create_directories(home);
-        static struct Cleanup
-        {
-            fs::path dir;
-            ~Cleanup()
-            {
-                std::error_code ignored;
-                fs::remove_all(dir, ignored);
-            }
-        } cleanup{home};
-        host::SetHomeDirectory(home.string());
-        if (!host::InstallDriverFile(built.string(), u"QLMRes.DLL", 3)) {
-            return std::u16string();
-        }
-        return host::DriverDirectory() + u"\\3\\QLMRes.DLL";
-    }();
+    static const std::u16string path =
+        benchhome::PrepareHome() ? host::DriverDirectory() + u"\\3\\QLMRes.DLL" : std::u16string();
     return path;
 }
 

@@ -5,17 +5,14 @@
 #include "platform/host/host.h"
 #include "platform/host/hostsheet.h"
 
+#include "benchhome.h"
+
 #include <benchmark/benchmark.h>
 
-#include <unistd.h>
-
-#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 TVONTUIDriver g_driver;
 
@@ -24,45 +21,13 @@ LONG CALLBACK DocumentSheets(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
     return g_driver.DrvDocumentPropertySheets(pPSUIInfo, lParam);
 }
 
-HANDLE Printer()
-{
-    static HANDLE hPrinter = [] {
-        const fs::path built = fs::read_symlink("/proc/self/exe").parent_path().parent_path() /
-                               "resources" / "QLMRes.DLL";
-        const fs::path home =
-            fs::temp_directory_path() / ("qlmbench-sheet-" + std::to_string(getpid()));
-        fs::create_directories(home);
-        static struct Cleanup
-        {
-            fs::path dir;
-            ~Cleanup()
-            {
-                std::error_code ignored;
-                fs::remove_all(dir, ignored);
-            }
-        } cleanup{home};
-        host::SetHomeDirectory(home.string());
-        host::OpenStore(":memory:");
-        host::InstallDriverFile(built.string(), u"QLMRes.DLL", 3);
-        host::PrinterRecord printer;
-        printer.name = u"Plan 2440";
-        printer.driverName = u"Tarvo Plan Output System 2440";
-        printer.portName = u"LPT1:";
-        host::AddPrinter(printer);
-        HANDLE h = nullptr;
-        OpenPrinterW(const_cast<LPWSTR>(u"Plan 2440"), &h, nullptr);
-        return h;
-    }();
-    return hPrinter;
-}
-
 LONG RunSheet(const std::string& script, std::vector<BYTE>& out)
 {
     std::string error;
     host::SetUserScript(script, &error);
     DOCUMENTPROPERTYHEADER header = {};
     header.cbSize = sizeof(header);
-    header.hPrinter = Printer();
+    header.hPrinter = benchhome::Plan2440();
     header.pszPrinterName = const_cast<LPWSTR>(u"Plan 2440");
     header.pdmOut = reinterpret_cast<PDEVMODEW>(out.data());
     header.cbOut = static_cast<DWORD>(out.size());

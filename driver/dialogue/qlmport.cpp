@@ -67,22 +67,6 @@ BOOL QLMIsFirstTimeEver(HANDLE hPrinter)
     return QLMGetUserDWORD(hPrinter, TEXT("QLMIsFirstTime"), &dwValue) != ERROR_SUCCESS ? 1 : 0;
 }
 
-char* QLMGetPortName(HANDLE hPrinter)
-{
-    QLM_TRACE_SCOPE(TEXT("QLMGetPortName"), TracePort());
-    PRINTER_INFO_2W* pInfo = GetPrinterInfo2(hPrinter);
-    if (!pInfo)
-        return nullptr;
-    char* pResult = nullptr;
-    if (pInfo->pPortName) {
-        std::memset(s_szPortName, 0, sizeof s_szPortName);
-        QLMToNarrow(s_szPortName, sizeof s_szPortName, pInfo->pPortName);
-        pResult = s_szPortName;
-    }
-    GlobalFree(pInfo);
-    return pResult;
-}
-
 WCHAR* QLMGetPortNameU(HANDLE hPrinter)
 {
     QLM_TRACE_SCOPE(TEXT("QLMGetPortNameU"), TracePort());
@@ -96,6 +80,18 @@ WCHAR* QLMGetPortNameU(HANDLE hPrinter)
     }
     GlobalFree(pInfo);
     return pResult;
+}
+
+// The 8-bit form of the wide name, cut where the wide one is.
+char* QLMGetPortName(HANDLE hPrinter)
+{
+    QLM_TRACE_SCOPE(TEXT("QLMGetPortName"), TracePort());
+    const WCHAR* pszPortName = QLMGetPortNameU(hPrinter);
+    if (!pszPortName)
+        return nullptr;
+    std::memset(s_szPortName, 0, sizeof s_szPortName);
+    QLMToNarrow(s_szPortName, sizeof s_szPortName, pszPortName);
+    return s_szPortName;
 }
 
 void QLMGetIPAddressMap(HANDLE hPrinter, LPCWSTR pPortName, char* IPAddress, size_t cbAddress)

@@ -90,15 +90,31 @@ TVOPrinterConfiguration* NewConfiguration(HANDLE hPrinter, LPCWSTR pszPrinterNam
     return pConfig;
 }
 
-void FillCommon(TVODialogInfo* lpdi, PPROPSHEETUI_INFO pPSUIInfo, TVOPrinterConfiguration* pConfig,
-                HANDLE hPrinter)
+// The sheet's configuration and dialog-info record, kept in the user data: 1, or -1 without a
+// configuration and -2 without the record, as both sheet builders answer.
+LONG OpenDialogInfo(PPROPSHEETUI_INFO pPSUIInfo, HANDLE hPrinter, LPCWSTR pszPrinterName,
+                    BOOL bNoPermission, TVODialogInfo** ppLpdi)
 {
+    TVOPrinterConfiguration* pConfig = NewConfiguration(hPrinter, pszPrinterName, bNoPermission);
+    if (!pConfig) {
+        ASSERT(pConfig != 0);
+        return -1;
+    }
+    auto* lpdi = new (std::nothrow) TVODialogInfo;
+    if (!lpdi) {
+        ASSERT(lpdi != 0);
+        delete pConfig;
+        return -2;
+    }
+    pPSUIInfo->UserData = reinterpret_cast<ULONG_PTR>(lpdi);
     lpdi->pfnComPropSheet = pPSUIInfo->pfnComPropSheet;
     lpdi->hComPropSheet = pPSUIInfo->hComPropSheet;
     lpdi->hInstance = g_hInstance;
     lpdi->hResource = pConfig->m_hResources;
     lpdi->pConfig = pConfig;
     lpdi->hPrinter = hPrinter;
+    *ppLpdi = lpdi;
+    return 1;
 }
 
 // The three working records start as the queue's default record.
@@ -170,20 +186,12 @@ LONG TVONTUIDriver::PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
         pHeader->pdmOut ? std::min(DeclaredSize(pHeader->pdmOut), pHeader->cbOut) : 0;
     SetCallersBiDi(pHeader->pdmOut, cbOutRoom, bidi);
 
-    TVOPrinterConfiguration* pConfig =
-        NewConfiguration(hPrinter, pHeader->pszPrinterName, (fMode & DM_NOPERMISSION) != 0);
-    if (!pConfig) {
-        ASSERT(pConfig != 0);
-        return -1;
-    }
-    auto* lpdi = new (std::nothrow) TVODialogInfo;
-    if (!lpdi) {
-        ASSERT(lpdi != 0);
-        delete pConfig;
-        return -2;
-    }
-    pPSUIInfo->UserData = reinterpret_cast<ULONG_PTR>(lpdi);
-    FillCommon(lpdi, pPSUIInfo, pConfig, hPrinter);
+    TVODialogInfo* lpdi = nullptr;
+    const LONG rc = OpenDialogInfo(pPSUIInfo, hPrinter, pHeader->pszPrinterName,
+                                   (fMode & DM_NOPERMISSION) != 0, &lpdi);
+    if (rc != 1)
+        return rc;
+    TVOPrinterConfiguration* pConfig = lpdi->pConfig;
     lpdi->wMode = static_cast<WORD>(fMode);
     lpdi->bExtDevMode = 0;
     lpdi->lpDMTarget = reinterpret_cast<DEVMODEEX*>(pHeader->pdmOut);
@@ -308,20 +316,12 @@ LONG TVONTUIDriver::DeviceSheetUI_INIT(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lPara
     HANDLE hPrinter = pHeader->hPrinter;
     MarkRawOnly(hPrinter);
     // The device header's flags are tested with the document header's mask, deliberately.
-    TVOPrinterConfiguration* pConfig = NewConfiguration(hPrinter, pHeader->pszPrinterName,
-                                                        (pHeader->Flags & DM_NOPERMISSION) != 0);
-    if (!pConfig) {
-        ASSERT(pConfig != 0);
-        return -1;
-    }
-    auto* lpdi = new (std::nothrow) TVODialogInfo;
-    if (!lpdi) {
-        ASSERT(lpdi != 0);
-        delete pConfig;
-        return -2;
-    }
-    pPSUIInfo->UserData = reinterpret_cast<ULONG_PTR>(lpdi);
-    FillCommon(lpdi, pPSUIInfo, pConfig, hPrinter);
+    TVODialogInfo* lpdi = nullptr;
+    const LONG rc = OpenDialogInfo(pPSUIInfo, hPrinter, pHeader->pszPrinterName,
+                                   (pHeader->Flags & DM_NOPERMISSION) != 0, &lpdi);
+    if (rc != 1)
+        return rc;
+    TVOPrinterConfiguration* pConfig = lpdi->pConfig;
     lpdi->wMode = DM_USER_DEFAULT;
     lpdi->bExtDevMode = 1;
     StartRecords(lpdi, hPrinter);

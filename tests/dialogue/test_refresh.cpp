@@ -21,6 +21,8 @@
 
 namespace {
 
+using pjlsim_test::Serve;
+
 using pjlsim::Fault;
 using pjlsim::FaultMode;
 
@@ -63,20 +65,6 @@ std::u16string Text(const WCHAR* s, size_t cch)
 Seen Whole()
 {
     return {2, true, true, true, u"F1", 1};
-}
-
-std::unique_ptr<pjlsim::Server> Serve(const char* address, std::vector<Fault> faults = {},
-                                      const pjlsim::Profile& profile = pjlsim_test::SmallProfile())
-{
-    pjlsim::ServerOptions options;
-    options.address = address;
-    options.port = 2000;
-    options.faults = std::move(faults);
-    options.delayMs = 1;
-    auto server = std::make_unique<pjlsim::Server>(profile, options);
-    std::string error;
-    EXPECT_TRUE(server->Start(&error)) << error;
-    return server;
 }
 
 int g_addressAsks = 0;

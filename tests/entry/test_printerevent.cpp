@@ -16,34 +16,15 @@
 
 namespace {
 
-const char kUserKey[] = "HKCU\\Software\\Tarvo\\Wide Format\\";
+using pjlsim_test::Serve;
 
-std::unique_ptr<pjlsim::Server> Serve(const char* address)
-{
-    pjlsim::ServerOptions options;
-    options.address = address;
-    options.port = 2000;
-    options.delayMs = 1;
-    auto server = std::make_unique<pjlsim::Server>(pjlsim_test::SmallProfile(), options);
-    std::string error;
-    EXPECT_TRUE(server->Start(&error)) << error;
-    return server;
-}
+const char kUserKey[] = "HKCU\\Software\\Tarvo\\Wide Format\\";
 
 std::vector<uint8_t> StoredRecord(const std::u16string& name)
 {
     host::PrinterRecord record;
     EXPECT_TRUE(host::GetPrinterRecord(name, &record));
     return record.devMode;
-}
-
-// A queue on a port of the standard TCP/IP monitor, which makes the port bidirectional.
-std::unique_ptr<HostPrinter> NetworkQueue(const std::u16string& name, const char* address)
-{
-    std::string a(address);
-    std::u16string port(a.begin(), a.end());
-    EXPECT_TRUE(host::AddPort({port, u"TCPMON.DLL", u"Standard TCP/IP Port"}));
-    return std::make_unique<HostPrinter>(name, u"Tarvo Plan Output System 2440", port);
 }
 
 void CreateUserKey(const std::u16string& name)

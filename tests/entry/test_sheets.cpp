@@ -20,6 +20,8 @@
 
 namespace {
 
+using pjlsim_test::Serve;
+
 using SheetFn = LONG WINAPI(PPROPSHEETUI_INFO, LPARAM);
 using DocumentPropertiesFn = LONG WINAPI(HWND, HANDLE, PWSTR, PDEVMODEW, PDEVMODEW, DWORD);
 
@@ -161,26 +163,6 @@ std::u16string ControlText(const host::SheetPage& page, int id)
             return control.text;
     }
     return u"<no control>";
-}
-
-std::unique_ptr<pjlsim::Server> Serve(const char* address)
-{
-    pjlsim::ServerOptions options;
-    options.address = address;
-    options.port = 2000;
-    options.delayMs = 1;
-    auto server = std::make_unique<pjlsim::Server>(pjlsim_test::SmallProfile(), options);
-    std::string error;
-    EXPECT_TRUE(server->Start(&error)) << error;
-    return server;
-}
-
-std::unique_ptr<HostPrinter> NetworkQueue(const std::u16string& name, const char* address)
-{
-    std::string a(address);
-    std::u16string port(a.begin(), a.end());
-    EXPECT_TRUE(host::AddPort({port, u"TCPMON.DLL", u"Standard TCP/IP Port"}));
-    return std::make_unique<HostPrinter>(name, u"Tarvo Plan Output System 2440", port);
 }
 
 } // namespace

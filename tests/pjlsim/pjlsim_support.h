@@ -1,11 +1,15 @@
-// Shared by the pjlsim tests: a small profile with one of everything.
+// Shared by the tests that talk to pjlsim: a small profile with one of everything, and a
+// printer serving it on a loopback address.
 #pragma once
 
 #include "profile.h"
+#include "server.h"
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace pjlsim_test {
 
@@ -40,6 +44,22 @@ inline pjlsim::Profile SmallProfile()
     auto profile = pjlsim::ParseProfile(kSmallProfile, "small", &error);
     EXPECT_TRUE(profile) << error;
     return profile.value_or(pjlsim::Profile{});
+}
+
+// A printer on address, port 2000, answering from profile with the faults given; started.
+inline std::unique_ptr<pjlsim::Server> Serve(const char* address,
+                                             std::vector<pjlsim::Fault> faults = {},
+                                             const pjlsim::Profile& profile = SmallProfile())
+{
+    pjlsim::ServerOptions options;
+    options.address = address;
+    options.port = 2000;
+    options.faults = std::move(faults);
+    options.delayMs = 1;
+    auto server = std::make_unique<pjlsim::Server>(profile, options);
+    std::string error;
+    EXPECT_TRUE(server->Start(&error)) << error;
+    return server;
 }
 
 } // namespace pjlsim_test

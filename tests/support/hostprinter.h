@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -41,3 +42,13 @@ private:
     std::u16string m_name;
     HANDLE m_hPrinter = nullptr;
 };
+
+// A queue of the 2440 on a port of the standard TCP/IP monitor named after address, which makes
+// the port bidirectional.
+inline std::unique_ptr<HostPrinter> NetworkQueue(const std::u16string& name, const char* address)
+{
+    std::string a(address);
+    std::u16string port(a.begin(), a.end());
+    EXPECT_TRUE(host::AddPort({port, u"TCPMON.DLL", u"Standard TCP/IP Port"}));
+    return std::make_unique<HostPrinter>(name, u"Tarvo Plan Output System 2440", port);
+}

@@ -21,17 +21,7 @@
 
 namespace {
 
-std::unique_ptr<pjlsim::Server> Serve(const char* address)
-{
-    pjlsim::ServerOptions options;
-    options.address = address;
-    options.port = 2000;
-    options.delayMs = 1;
-    auto server = std::make_unique<pjlsim::Server>(pjlsim_test::SmallProfile(), options);
-    std::string error;
-    EXPECT_TRUE(server->Start(&error)) << error;
-    return server;
-}
+using pjlsim_test::Serve;
 
 class AddressDialog : public ::testing::Test
 {
