@@ -25,21 +25,17 @@ std::string CodeName(HWND from, UINT code)
     WCHAR cls[32] = {};
     GetClassNameW(from, cls, 32);
     std::u16string c = cls;
+// Each notification named by its window class and code.
+#define NAME(cls, code) std::make_pair(std::make_pair(std::u16string(u"" #cls), UINT(code)), #code)
     static const std::map<std::pair<std::u16string, UINT>, const char*> names = {
-        {{u"Button", BN_CLICKED}, "BN_CLICKED"},
-        {{u"Edit", EN_CHANGE}, "EN_CHANGE"},
-        {{u"Edit", EN_UPDATE}, "EN_UPDATE"},
-        {{u"Edit", EN_MAXTEXT}, "EN_MAXTEXT"},
-        {{u"Edit", EN_SETFOCUS}, "EN_SETFOCUS"},
-        {{u"Edit", EN_KILLFOCUS}, "EN_KILLFOCUS"},
-        {{u"ComboBox", CBN_SELCHANGE}, "CBN_SELCHANGE"},
-        {{u"ComboBox", CBN_SELENDOK}, "CBN_SELENDOK"},
-        {{u"ComboBox", CBN_EDITCHANGE}, "CBN_EDITCHANGE"},
-        {{u"ComboBox", CBN_EDITUPDATE}, "CBN_EDITUPDATE"},
-        {{u"ComboBox", CBN_SETFOCUS}, "CBN_SETFOCUS"},
-        {{u"ComboBox", CBN_KILLFOCUS}, "CBN_KILLFOCUS"},
-        {{u"ListBox", LBN_SELCHANGE}, "LBN_SELCHANGE"},
-    };
+        NAME(Button, BN_CLICKED),       NAME(Edit, EN_CHANGE),
+        NAME(Edit, EN_UPDATE),          NAME(Edit, EN_MAXTEXT),
+        NAME(Edit, EN_SETFOCUS),        NAME(Edit, EN_KILLFOCUS),
+        NAME(ComboBox, CBN_SELCHANGE),  NAME(ComboBox, CBN_SELENDOK),
+        NAME(ComboBox, CBN_EDITCHANGE), NAME(ComboBox, CBN_EDITUPDATE),
+        NAME(ComboBox, CBN_SETFOCUS),   NAME(ComboBox, CBN_KILLFOCUS),
+        NAME(ListBox, LBN_SELCHANGE)};
+#undef NAME
     auto it = names.find({c, code});
     return it == names.end() ? std::to_string(code) : it->second;
 }
@@ -150,9 +146,8 @@ TEST_F(ControlsTest, EditsNotifyChangesAndRefuseWhatTheyMayNotTake)
     Send(IDC_NAME, EM_LIMITTEXT, 4);
     Send(IDC_NAME, EM_SETSEL, 3, 3);
     int beeps = host::MessageBeepCount();
-    for (char16_t c : std::u16string(u"de")) {
+    for (char16_t c : std::u16string(u"de"))
         Send(IDC_NAME, WM_CHAR, c, 1);
-    }
     EXPECT_EQ(u"abcd", Text(Item(IDC_NAME)));
     EXPECT_THAT(g_log, ElementsAre("1001 EN_UPDATE", "1001 EN_CHANGE", "1001 EN_MAXTEXT"));
 
@@ -224,10 +219,9 @@ TEST_F(ControlsTest, ComboBoxListMessages)
         {-1, u"x", CB_FINDSTRING, CB_ERR},  {-1, u"a", CB_FINDSTRINGEXACT, CB_ERR},
         {-1, u"A3", CB_FINDSTRINGEXACT, 1}, {1, u"a3", CB_FINDSTRINGEXACT, 1},
     };
-    for (const auto& f : finds) {
+    for (const auto& f : finds)
         EXPECT_EQ(f.found, SendText(IDC_PAPER, f.msg, WPARAM(f.start), f.text))
             << f.start << " " << host::Utf16ToUtf8(f.text);
-    }
 
     Send(IDC_PAPER, CB_SETITEMDATA, 1, 273);
     EXPECT_EQ(273, Send(IDC_PAPER, CB_GETITEMDATA, 1));

@@ -9,6 +9,11 @@ using namespace hosttest;
 
 namespace {
 
+LPCWSTR Id(int number)
+{
+    return MAKEINTRESOURCEW(number);
+}
+
 std::u16string TestImagesPath()
 {
     return host::Utf8ToUtf16(QLM_TEST_IMAGES_DLL);
@@ -51,20 +56,17 @@ TEST_F(Images, BitmapsReportSizeDepthAndRowBytes)
         WORD bitsPixel;
         bool bits;
     } rows[] = {
-        {"8 bits, as the about dialog asks", MAKEINTRESOURCEW(101), 0, 0,
-         LR_DEFAULTSIZE | LR_LOADMAP3DCOLORS, 45, 20, 180, 32, false},
-        {"8 bits as a DIB section", MAKEINTRESOURCEW(101), 0, 0, LR_CREATEDIBSECTION, 45, 20, 48, 8,
-         true},
+        {"8 bits, as the about dialog asks", Id(101), 0, 0, LR_DEFAULTSIZE | LR_LOADMAP3DCOLORS, 45,
+         20, 180, 32, false},
+        {"8 bits as a DIB section", Id(101), 0, 0, LR_CREATEDIBSECTION, 45, 20, 48, 8, true},
         {"8 bits by its name", u"logo", 0, 0, 0, 45, 20, 180, 32, false},
         {"8 bits by #number", u"#101", 0, 0, 0, 45, 20, 180, 32, false},
-        {"8 bits stretched", MAKEINTRESOURCEW(101), 90, 41, 0, 90, 41, 360, 32, false},
-        {"1 bit stays monochrome", MAKEINTRESOURCEW(102), 0, 0, 0, 33, 9, 6, 1, false},
-        {"1 bit as a DIB section", MAKEINTRESOURCEW(102), 0, 0, LR_CREATEDIBSECTION, 33, 9, 8, 1,
-         true},
-        {"24 bits", MAKEINTRESOURCEW(103), 0, 0, 0, 13, 7, 52, 32, false},
-        {"24 bits as a DIB section", MAKEINTRESOURCEW(103), 0, 0, LR_CREATEDIBSECTION, 13, 7, 40,
-         24, true},
-        {"24 bits made monochrome", MAKEINTRESOURCEW(103), 0, 0, LR_MONOCHROME, 13, 7, 2, 1, false},
+        {"8 bits stretched", Id(101), 90, 41, 0, 90, 41, 360, 32, false},
+        {"1 bit stays monochrome", Id(102), 0, 0, 0, 33, 9, 6, 1, false},
+        {"1 bit as a DIB section", Id(102), 0, 0, LR_CREATEDIBSECTION, 33, 9, 8, 1, true},
+        {"24 bits", Id(103), 0, 0, 0, 13, 7, 52, 32, false},
+        {"24 bits as a DIB section", Id(103), 0, 0, LR_CREATEDIBSECTION, 13, 7, 40, 24, true},
+        {"24 bits made monochrome", Id(103), 0, 0, LR_MONOCHROME, 13, 7, 2, 1, false},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
@@ -89,20 +91,18 @@ TEST_F(Images, BitmapsReportSizeDepthAndRowBytes)
 TEST_F(Images, DibSectionHoldsTheResourcePixelsPastItsColourTable)
 {
     // Bitmap 101 has a 16-entry colour table; its first row counts up by 7.
-    HANDLE image =
-        LoadImageW(module_, MAKEINTRESOURCEW(101), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
+    HANDLE image = LoadImageW(module_, Id(101), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
     ASSERT_NE(nullptr, image);
     BITMAP bm = BitmapOf(image);
     ASSERT_NE(nullptr, bm.bmBits);
-    const auto* bits = static_cast<const uint8_t*>(bm.bmBits);
-    EXPECT_EQ((std::vector<uint8_t>{0, 7, 14, 21}), Bytes(bits, 4));
+    EXPECT_EQ((std::vector<uint8_t>{0, 7, 14, 21}), Bytes(bm.bmBits, 4));
     EXPECT_EQ(8, host::DescribeImage(image).sourceBitCount);
     DeleteObject(image);
 }
 
 TEST_F(Images, GetObjectWOnABitmapNeedsRoomForTheWholeRecord)
 {
-    HANDLE image = LoadImageW(module_, MAKEINTRESOURCEW(103), IMAGE_BITMAP, 0, 0, 0);
+    HANDLE image = LoadImageW(module_, Id(103), IMAGE_BITMAP, 0, 0, 0);
     ASSERT_NE(nullptr, image);
     uint8_t buffer[48];
     std::memset(buffer, kFill, sizeof buffer);
@@ -129,32 +129,28 @@ TEST_F(Images, MissingAndDamagedResourcesAreRefused)
         UINT flags;
         DWORD error;
     } rows[] = {
-        {"no bitmap of that number", module_, MAKEINTRESOURCEW(999), IMAGE_BITMAP, 0,
+        {"no bitmap of that number", module_, Id(999), IMAGE_BITMAP, 0,
          ERROR_RESOURCE_NAME_NOT_FOUND},
         {"no bitmap of that name", module_, u"NOLOGO", IMAGE_BITMAP, 0,
          ERROR_RESOURCE_NAME_NOT_FOUND},
-        {"a library without cursors", resources, MAKEINTRESOURCEW(301), IMAGE_CURSOR, 0,
+        {"a library without cursors", resources, Id(301), IMAGE_CURSOR, 0,
          ERROR_RESOURCE_TYPE_NOT_FOUND},
-        {"a bitmap number is no icon", module_, MAKEINTRESOURCEW(101), IMAGE_ICON, 0,
+        {"a bitmap number is no icon", module_, Id(101), IMAGE_ICON, 0,
          ERROR_RESOURCE_NAME_NOT_FOUND},
-        {"pixels cut short", module_, MAKEINTRESOURCEW(401), IMAGE_BITMAP, 0, ERROR_INVALID_DATA},
-        {"unknown header size", module_, MAKEINTRESOURCEW(402), IMAGE_BITMAP, 0,
-         ERROR_INVALID_DATA},
-        {"more colours than the depth has", module_, MAKEINTRESOURCEW(403), IMAGE_BITMAP, 0,
-         ERROR_INVALID_DATA},
-        {"group names a missing icon", module_, MAKEINTRESOURCEW(501), IMAGE_ICON, 0,
+        {"pixels cut short", module_, Id(401), IMAGE_BITMAP, 0, ERROR_INVALID_DATA},
+        {"unknown header size", module_, Id(402), IMAGE_BITMAP, 0, ERROR_INVALID_DATA},
+        {"more colours than the depth has", module_, Id(403), IMAGE_BITMAP, 0, ERROR_INVALID_DATA},
+        {"group names a missing icon", module_, Id(501), IMAGE_ICON, 0,
          ERROR_RESOURCE_NAME_NOT_FOUND},
-        {"icon image cut short", module_, MAKEINTRESOURCEW(502), IMAGE_ICON, 0, ERROR_INVALID_DATA},
-        {"group shorter than its count", module_, MAKEINTRESOURCEW(503), IMAGE_ICON, 0,
-         ERROR_INVALID_DATA},
-        {"not a module", reinterpret_cast<HMODULE>(0x1234), MAKEINTRESOURCEW(101), IMAGE_BITMAP, 0,
+        {"icon image cut short", module_, Id(502), IMAGE_ICON, 0, ERROR_INVALID_DATA},
+        {"group shorter than its count", module_, Id(503), IMAGE_ICON, 0, ERROR_INVALID_DATA},
+        {"not a module", reinterpret_cast<HMODULE>(0x1234), Id(101), IMAGE_BITMAP, 0,
          ERROR_INVALID_HANDLE},
         {"from a file", module_, u"logo8.bmp", IMAGE_BITMAP, LR_LOADFROMFILE, ERROR_NOT_SUPPORTED},
-        {"a metafile", module_, MAKEINTRESOURCEW(101), IMAGE_ENHMETAFILE, 0,
-         ERROR_INVALID_PARAMETER},
-        {"a null module's bitmap", nullptr, MAKEINTRESOURCEW(101), IMAGE_BITMAP, 0,
+        {"a metafile", module_, Id(101), IMAGE_ENHMETAFILE, 0, ERROR_INVALID_PARAMETER},
+        {"a null module's bitmap", nullptr, Id(101), IMAGE_BITMAP, 0,
          ERROR_RESOURCE_NAME_NOT_FOUND},
-        {"no such system icon", nullptr, MAKEINTRESOURCEW(5), IMAGE_ICON, LR_SHARED,
+        {"no such system icon", nullptr, Id(5), IMAGE_ICON, LR_SHARED,
          ERROR_RESOURCE_NAME_NOT_FOUND},
     };
     for (const Row& row : rows) {
@@ -164,8 +160,8 @@ TEST_F(Images, MissingAndDamagedResourcesAreRefused)
         EXPECT_EQ(row.error, GetLastError());
     }
     SetLastError(kSentinel);
-    EXPECT_EQ(nullptr, LoadImageW(module_, MAKEINTRESOURCEW(101), IMAGE_BITMAP, 100000, 100000,
-                                  LR_CREATEDIBSECTION));
+    EXPECT_EQ(nullptr,
+              LoadImageW(module_, Id(101), IMAGE_BITMAP, 100000, 100000, LR_CREATEDIBSECTION));
     EXPECT_EQ(DWORD(ERROR_NOT_ENOUGH_MEMORY), GetLastError()) << "a DIB section too large to hold";
     EXPECT_EQ(before_, host::LiveObjects());
     FreeLibrary(resources);
@@ -191,8 +187,7 @@ TEST_F(Images, IconsTakeTheEntryNearestTheSizeAskedFor)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << row.cx << "x" << row.cy << " flags " << row.flags);
-        HANDLE icon =
-            LoadImageW(module_, MAKEINTRESOURCEW(201), IMAGE_ICON, row.cx, row.cy, row.flags);
+        HANDLE icon = LoadImageW(module_, Id(201), IMAGE_ICON, row.cx, row.cy, row.flags);
         ASSERT_NE(nullptr, icon);
         host::ImageInfo info = host::DescribeImage(icon);
         EXPECT_EQ(host::ImageKind::Icon, info.kind);
@@ -207,7 +202,7 @@ TEST_F(Images, IconsTakeTheEntryNearestTheSizeAskedFor)
 
 TEST_F(Images, PrivateIconsAreDestroyedOnceAndAreNoGdiObjects)
 {
-    HANDLE icon = LoadImageW(module_, MAKEINTRESOURCEW(201), IMAGE_ICON, 0, 0, LR_DEFAULTSIZE);
+    HANDLE icon = LoadImageW(module_, Id(201), IMAGE_ICON, 0, 0, LR_DEFAULTSIZE);
     ASSERT_NE(nullptr, icon);
     EXPECT_EQ(before_.icons + 1, host::LiveObjects().icons);
     SetLastError(kSentinel);
@@ -224,16 +219,16 @@ TEST_F(Images, PrivateIconsAreDestroyedOnceAndAreNoGdiObjects)
 
 TEST_F(Images, LoadIconWAndLoadCursorWShareOneHandleThatOutlivesDestroy)
 {
-    HICON icon = LoadIconW(module_, MAKEINTRESOURCEW(201));
+    HICON icon = LoadIconW(module_, Id(201));
     ASSERT_NE(nullptr, icon);
-    EXPECT_EQ(icon, LoadIconW(module_, MAKEINTRESOURCEW(201)));
+    EXPECT_EQ(icon, LoadIconW(module_, Id(201)));
     host::ImageInfo info = host::DescribeImage(icon);
     EXPECT_EQ(32, info.width);
     EXPECT_TRUE(info.shared);
     EXPECT_TRUE(DestroyIcon(icon)) << "answered, but a shared icon stays";
     EXPECT_EQ(host::ImageKind::Icon, host::DescribeImage(icon).kind);
 
-    HCURSOR cursor = LoadCursorW(module_, MAKEINTRESOURCEW(301));
+    HCURSOR cursor = LoadCursorW(module_, Id(301));
     ASSERT_NE(nullptr, cursor);
     info = host::DescribeImage(cursor);
     EXPECT_EQ(host::ImageKind::Cursor, info.kind);
@@ -242,14 +237,13 @@ TEST_F(Images, LoadIconWAndLoadCursorWShareOneHandleThatOutlivesDestroy)
     EXPECT_EQ(7, info.hotspot.y);
     EXPECT_EQ(before_, host::LiveObjects()) << "shared handles are not counted as leaks";
 
-    HANDLE large = LoadImageW(module_, MAKEINTRESOURCEW(301), IMAGE_CURSOR, 64, 64, 0);
+    HANDLE large = LoadImageW(module_, Id(301), IMAGE_CURSOR, 64, 64, 0);
     ASSERT_NE(nullptr, large);
     EXPECT_EQ(10, host::DescribeImage(large).hotspot.x) << "the hot spot scales with the image";
     EXPECT_EQ(14, host::DescribeImage(large).hotspot.y);
     EXPECT_TRUE(DestroyCursor(static_cast<HCURSOR>(large)));
 }
 
-// The wait cursor around a slow operation, as the driver shows it, and the cursor put back.
 TEST(SystemImages, WaitCursorIsSetAndTheOldOnePutBack)
 {
     HCURSOR arrow = LoadCursorW(nullptr, IDC_ARROW);
@@ -281,11 +275,9 @@ TEST(SystemImages, WaitCursorIsSetAndTheOldOnePutBack)
     EXPECT_NE(warning, LoadIconW(nullptr, IDI_APPLICATION));
     EXPECT_EQ(host::ImageKind::Icon, host::DescribeImage(warning).kind);
     SetLastError(kSentinel);
-    EXPECT_EQ(nullptr, LoadCursorW(nullptr, MAKEINTRESOURCEW(1)));
+    EXPECT_EQ(nullptr, LoadCursorW(nullptr, Id(1)));
     EXPECT_EQ(DWORD(ERROR_RESOURCE_NAME_NOT_FOUND), GetLastError());
 }
-
-// ---- Fonts and stock objects --------------------------------------------------------------------
 
 LOGFONTW Font(const char16_t* face, LONG height, LONG weight)
 {
@@ -347,25 +339,6 @@ TEST(Fonts, LongFaceNameIsCutToTheField)
     EXPECT_EQ(DWORD(ERROR_INVALID_PARAMETER), GetLastError());
 }
 
-// The about dialog reads its font, makes it heavy, and never deletes the result.
-TEST(Fonts, HeavyCopyOfTheDialogFontIsALiveObject)
-{
-    const auto before = host::LiveObjects();
-    HGDIOBJ dialogFont = GetStockObject(DEFAULT_GUI_FONT);
-    LOGFONTW lf;
-    ASSERT_EQ(int(sizeof(LOGFONTW)), GetObjectW(dialogFont, sizeof(LOGFONTW), &lf));
-    EXPECT_EQ(std::u16string(u"MS Shell Dlg"), std::u16string(lf.lfFaceName));
-    EXPECT_EQ(FW_NORMAL, lf.lfWeight);
-    lf.lfWeight = 900;
-    HFONT heavy = CreateFontIndirectW(&lf);
-    LOGFONTW back{};
-    GetObjectW(heavy, sizeof back, &back);
-    EXPECT_EQ(FW_HEAVY, back.lfWeight);
-    EXPECT_EQ(std::u16string(u"MS Shell Dlg"), std::u16string(back.lfFaceName));
-    EXPECT_EQ(before.fonts + 1, host::LiveObjects().fonts);
-    DeleteObject(heavy);
-}
-
 TEST(StockObjects, OneHandleEachThatDeletingLeavesAlone)
 {
     struct Row
@@ -393,9 +366,12 @@ TEST(StockObjects, OneHandleEachThatDeletingLeavesAlone)
     EXPECT_EQ(int(sizeof brush), GetObjectW(GetStockObject(LTGRAY_BRUSH), sizeof brush, &brush));
     EXPECT_EQ(UINT(BS_SOLID), brush.lbStyle);
     EXPECT_EQ(RGB(192, 192, 192), brush.lbColor);
-    for (int index : {9, DEFAULT_PALETTE, -1, 20}) {
+    LOGFONTW lf; // the about dialog's font, which it copies with a heavier weight
+    ASSERT_EQ(int(sizeof lf), GetObjectW(GetStockObject(DEFAULT_GUI_FONT), sizeof lf, &lf));
+    EXPECT_EQ(std::u16string(u"MS Shell Dlg"), std::u16string(lf.lfFaceName));
+    EXPECT_EQ(FW_NORMAL, lf.lfWeight);
+    for (int index : {9, DEFAULT_PALETTE, -1, 20})
         EXPECT_EQ(nullptr, GetStockObject(index)) << index;
-    }
     EXPECT_EQ(before, host::LiveObjects());
     SetLastError(kSentinel);
     EXPECT_FALSE(DeleteObject(nullptr));
@@ -403,10 +379,7 @@ TEST(StockObjects, OneHandleEachThatDeletingLeavesAlone)
     EXPECT_EQ(DWORD(ERROR_INVALID_HANDLE), GetLastError());
 }
 
-// ---- HTML Help
-// -----------------------------------------------------------------------------------
-
-TEST(HtmlHelp, RequestsAreRecordedWithACopyOfThePopup)
+TEST(HtmlHelp, RequestsAreRecordedWithACopyOfThePopupAndItsTexts)
 {
     host::TakeHtmlHelpCalls();
     HH_POPUP popup;
@@ -423,8 +396,12 @@ TEST(HtmlHelp, RequestsAreRecordedWithACopyOfThePopup)
                                  reinterpret_cast<DWORD_PTR>(&popup)));
     EXPECT_EQ(kSentinel, GetLastError());
     popup.idString = 0; // what the record holds was copied at the call
+    std::u16string text = u"Roll width", font = u"MS Sans Serif,8";
+    popup.pszText = text.c_str();
+    popup.pszFont = font.c_str();
     EXPECT_EQ(nullptr,
               HtmlHelpW(nullptr, u"", HH_DISPLAY_TEXT_POPUP, reinterpret_cast<DWORD_PTR>(&popup)));
+    text.assign(u"changed");
     EXPECT_EQ(nullptr, HtmlHelpW(owner, nullptr, HH_CLOSE_ALL, 0));
 
     std::vector<host::HtmlHelpCall> calls = host::TakeHtmlHelpCalls();
@@ -441,25 +418,11 @@ TEST(HtmlHelp, RequestsAreRecordedWithACopyOfThePopup)
     EXPECT_EQ(-1, calls[0].popup->rcMargins.bottom);
     EXPECT_EQ(0u, calls[1].popup->idString);
     EXPECT_EQ(u"", calls[1].path) << "an empty path is still a call";
+    EXPECT_EQ(u"Roll width", calls[1].popupText);
+    EXPECT_EQ(u"MS Sans Serif,8", calls[1].popupFont);
     EXPECT_EQ(UINT(HH_CLOSE_ALL), calls[2].command);
     EXPECT_FALSE(calls[2].popup.has_value());
     EXPECT_TRUE(host::TakeHtmlHelpCalls().empty()) << "taking the calls clears them";
-}
-
-TEST(HtmlHelp, PopupTextsAreCopied)
-{
-    host::TakeHtmlHelpCalls();
-    std::u16string text = u"Roll width", font = u"MS Sans Serif,8";
-    HH_POPUP popup{};
-    popup.cbStruct = sizeof popup;
-    popup.pszText = text.c_str();
-    popup.pszFont = font.c_str();
-    HtmlHelpW(nullptr, u"x.chm", HH_DISPLAY_TEXT_POPUP, reinterpret_cast<DWORD_PTR>(&popup));
-    text.assign(u"changed");
-    auto calls = host::TakeHtmlHelpCalls();
-    ASSERT_EQ(1u, calls.size());
-    EXPECT_EQ(u"Roll width", calls[0].popupText);
-    EXPECT_EQ(u"MS Sans Serif,8", calls[0].popupFont);
 }
 
 } // namespace

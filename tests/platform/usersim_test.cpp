@@ -71,15 +71,13 @@ INT_PTR CALLBACK AllDialog(HWND dialog, UINT msg, WPARAM wp, LPARAM lp)
     case WM_COMMAND:
         switch (LOWORD(wp)) {
         case IDC_PAPER:
-            if (HIWORD(wp) == CBN_SELCHANGE || HIWORD(wp) == CBN_SELENDOK) {
+            if (HIWORD(wp) == CBN_SELCHANGE || HIWORD(wp) == CBN_SELENDOK)
                 g_out.events.push_back(HIWORD(wp) == CBN_SELCHANGE ? "selchange" : "selendok");
-            }
             return TRUE;
         case IDC_NAME:
-            if (g_out.trackFocus && HIWORD(wp) == EN_KILLFOCUS) {
+            if (g_out.trackFocus && HIWORD(wp) == EN_KILLFOCUS)
                 g_out.events.push_back("name killfocus " +
                                        host::Utf16ToUtf8(ItemText(dialog, IDC_NAME)));
-            }
             return TRUE;
         case IDC_TEST:
             g_out.events.push_back(
@@ -100,9 +98,8 @@ INT_PTR CALLBACK AllDialog(HWND dialog, UINT msg, WPARAM wp, LPARAM lp)
             return TRUE;
         case IDCANCEL:
             g_out.events.push_back("cancel " + std::to_string(lp != 0));
-            if (!g_out.ignoreCancel) {
+            if (!g_out.ignoreCancel)
                 EndDialog(dialog, IDCANCEL);
-            }
             return TRUE;
         }
         return FALSE;
@@ -153,24 +150,16 @@ TEST(UserScriptTest, ParsesActionsAndNamesTheLineOfAnError)
         << error;
     host::UserAction a;
     ASSERT_TRUE(host::PeekUserAction(&a));
-    EXPECT_EQ("type", a.verb);
-    ASSERT_TRUE(host::TakeUserAction(&a));
-    EXPECT_EQ(3, a.line);
-    EXPECT_EQ(1001, a.id);
-    EXPECT_EQ("Plotter 7", a.text);
-    host::TakeUserAction(&a);
-    EXPECT_EQ(1004, a.id);
-    EXPECT_EQ(274, a.number);
-    host::TakeUserAction(&a);
-    EXPECT_EQ(-2, a.number);
-    host::TakeUserAction(&a);
-    EXPECT_EQ("text Plotter 7", a.text);
-    host::TakeUserAction(&a);
-    host::TakeUserAction(&a);
-    EXPECT_EQ("C:\\Data\\job.plt", a.text);
-    host::TakeUserAction(&a);
-    EXPECT_EQ("ok", a.verb);
-    EXPECT_FALSE(host::TakeUserAction(&a));
+    EXPECT_EQ("type", a.verb) << "peeking leaves the action in place";
+    std::vector<std::string> taken;
+    while (host::TakeUserAction(&a))
+        taken.push_back(a.verb + " " + std::to_string(a.id) + " " + std::to_string(a.number) +
+                        " '" + a.text + "' line " + std::to_string(a.line));
+    EXPECT_THAT(taken,
+                ElementsAre("type 1001 0 'Plotter 7' line 3", "select 1004 274 '' line 4",
+                            "spin 1003 -2 '' line 5", "expect 1001 0 'text Plotter 7' line 6",
+                            "answer 0 0 'yes' line 7", "file 0 0 'C:\\Data\\job.plt' line 8",
+                            "ok 0 0 '' line 9"));
 
     struct
     {
@@ -282,42 +271,26 @@ TEST_F(UserSimTest, FailuresNameTheirLine)
     EXPECT_EQ(u"", g_out.name);
 }
 
-TEST_F(UserSimTest, AClickOnADisabledControlDoesNothing)
-{
-    HWND dialog = CreateDialogParamW(module_, MAKEINTRESOURCEW(IDD_ALL), nullptr, AllDialog, 0);
-    ShowWindow(dialog, SW_SHOW);
-    EnableWindow(GetDlgItem(dialog, IDC_COLLATE), FALSE);
-    host::UserAction click{"click", IDC_COLLATE, 0, "", 7};
-    EXPECT_FALSE(host::PerformUserAction(dialog, click));
-    EXPECT_EQ(BST_UNCHECKED, IsDlgButtonChecked(dialog, IDC_COLLATE));
-    EXPECT_THAT(host::UserScriptFailures(), ElementsAre("line 7: control 1007 is disabled"));
-    DestroyWindow(dialog);
-}
-
 std::vector<std::string> g_notes;
 INT_PTR CALLBACK NotingDialog(HWND dialog, UINT msg, WPARAM wp, LPARAM lp)
 {
     if (msg == WM_INITDIALOG) {
-        for (const char16_t* item : {u"one", u"two", u"three"}) {
+        for (const char16_t* item : {u"one", u"two", u"three"})
             SendDlgItemMessageW(dialog, IDC_LIST, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item));
-        }
         SendDlgItemMessageW(dialog, IDC_LIST, LB_SETITEMDATA, 2, 33);
         return FALSE;
     }
     if (msg == WM_COMMAND && lp) {
         WORD code = HIWORD(wp);
         const char* name = code == BN_CLICKED ? "clicked" : code == EN_CHANGE ? "change" : nullptr;
-        if (LOWORD(wp) == IDC_LIST) {
+        if (LOWORD(wp) == IDC_LIST)
             name = code == LBN_SELCHANGE ? "selchange" : nullptr;
-        }
-        if (name) {
+        if (name)
             g_notes.push_back(std::to_string(LOWORD(wp)) + " " + name);
-        }
     }
     return FALSE;
 }
 
-// Each control action raises the notifications a person's input raises, and only those.
 TEST_F(UserSimTest, ControlActionsRaiseAPersonsNotifications)
 {
     HWND dialog = CreateDialogParamW(module_, MAKEINTRESOURCEW(IDD_ALL), nullptr, NotingDialog, 0);
@@ -354,6 +327,14 @@ TEST_F(UserSimTest, ControlActionsRaiseAPersonsNotifications)
     EXPECT_EQ(BST_CHECKED, IsDlgButtonChecked(dialog, IDC_LANDSCAPE));
     EXPECT_EQ(1, SendDlgItemMessageW(dialog, IDC_LIST, LB_GETCURSEL, 0, 0));
     EXPECT_EQ(4u, host::UserScriptFailures().size());
+
+    EnableWindow(GetDlgItem(dialog, IDC_COLLATE), FALSE);
+    g_notes.clear();
+    EXPECT_FALSE(host::PerformUserAction(dialog, {"click", IDC_COLLATE, 0, "", 7}));
+    EXPECT_EQ(BST_UNCHECKED, IsDlgButtonChecked(dialog, IDC_COLLATE)) << "a disabled control";
+    EXPECT_THAT(g_notes, IsEmpty());
+    ASSERT_EQ(5u, host::UserScriptFailures().size());
+    EXPECT_EQ("line 7: control 1007 is disabled", host::UserScriptFailures().back());
     DestroyWindow(dialog);
 }
 
@@ -411,9 +392,8 @@ TEST_F(UserSimTest, MenusFromNormalAndExtendedTemplates)
             std::memcpy(copy.get(), bytes, n);
             HMENU cut = host::detail::LoadMenuFromTemplate(copy.get(), n);
             EXPECT_TRUE(!cut || n + 2 >= size) << id << " cut at " << n;
-            if (cut) {
+            if (cut)
                 DestroyMenu(cut);
-            }
         }
     }
 }

@@ -50,6 +50,15 @@ void Put16(std::vector<uint8_t>& block, size_t at, uint16_t value)
     std::memcpy(block.data() + at, &value, sizeof value);
 }
 
+// The installed block cut to its root's length.
+std::vector<uint8_t> RealBlock()
+{
+    std::vector<uint8_t> whole = VersionBlock(InstalledResourceLibrary());
+    EXPECT_GE(whole.size(), 2u);
+    whole.resize(whole.size() < 2 ? 0 : std::min<size_t>(whole.size(), whole[0] | whole[1] << 8));
+    return whole;
+}
+
 const char16_t* const kProductVersion = u"\\StringFileInfo\\040904B0\\ProductVersion";
 
 TEST(Version, AboutDialogReadsTheInstalledResourceLibrary)
@@ -174,10 +183,8 @@ TEST(Version, CopyIntoAShortBufferIsCutToIt)
 // Each damage to a real block, in a buffer of exactly the block's size.
 TEST(Version, DamagedBlocksGiveFalse)
 {
-    const std::vector<uint8_t> whole = VersionBlock(InstalledResourceLibrary());
-    ASSERT_FALSE(whole.empty());
-    const size_t rootLength = whole[0] | whole[1] << 8;
-    const std::vector<uint8_t> real(whole.begin(), whole.begin() + rootLength);
+    const std::vector<uint8_t> real = RealBlock();
+    ASSERT_FALSE(real.empty());
     const size_t strings = NodeOffset(real, u"StringFileInfo");
     const size_t product = NodeOffset(real, u"ProductVersion");
     const size_t translation = NodeOffset(real, u"Translation");
@@ -219,9 +226,9 @@ TEST(Version, DamagedBlocksGiveFalse)
 // Every cut and every garbled length: no query reads outside the block, whatever it answers.
 TEST(Version, NoDamageReadsOutsideTheBlock)
 {
-    const std::vector<uint8_t> whole = VersionBlock(InstalledResourceLibrary());
+    const std::vector<uint8_t> whole = RealBlock();
     ASSERT_FALSE(whole.empty());
-    const size_t rootLength = whole[0] | whole[1] << 8;
+    const size_t rootLength = whole.size();
     const char16_t* paths[] = {u"\\", u"\\VarFileInfo\\Translation", kProductVersion};
     auto queryAll = [&](std::vector<uint8_t>& block) {
         for (const char16_t* path : paths) {
@@ -242,7 +249,7 @@ TEST(Version, NoDamageReadsOutsideTheBlock)
     }
     for (size_t at = 0; at + 2 <= rootLength; at += 2) {
         for (uint16_t garbage : {0, 1, 5, 0x7fff, 0xffff}) {
-            std::vector<uint8_t> block(whole.begin(), whole.begin() + rootLength);
+            std::vector<uint8_t> block = whole;
             Put16(block, at, at == 0 ? uint16_t(std::min<size_t>(garbage, rootLength)) : garbage);
             queryAll(block);
         }

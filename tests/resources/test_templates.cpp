@@ -63,12 +63,9 @@ struct Template
 
     const Control* Find(uint32_t id) const
     {
-        for (const auto& c : controls) {
-            if (c.id == id) {
-                return &c;
-            }
-        }
-        return nullptr;
+        auto it = std::find_if(controls.begin(), controls.end(),
+                               [&](const Control& c) { return c.id == id; });
+        return it == controls.end() ? nullptr : &*it;
     }
 };
 
@@ -78,6 +75,7 @@ class Reader
 public:
     Reader(const uint8_t* data, size_t size) : data_(data), size_(size) {}
     bool ok() const { return ok_; }
+    size_t size() const { return size_; }
     uint16_t U16() { return uint16_t(Take(2)); }
     uint32_t U32() { return uint32_t(Take(4)); }
     int16_t I16() { return int16_t(Take(2)); }
@@ -86,18 +84,16 @@ public:
     std::u16string Text()
     {
         std::u16string s;
-        for (uint16_t ch; ok_ && (ch = U16()) != 0;) {
+        for (uint16_t ch; ok_ && (ch = U16()) != 0;)
             s += char16_t(ch);
-        }
         return s;
     }
     // A name or ordinal field of a template: empty, "#<number>" or the text.
     std::u16string NameOrOrdinal()
     {
         uint16_t first = U16();
-        if (first == 0xFFFF) {
+        if (first == 0xFFFF)
             return u"#" + host::Utf8ToUtf16(std::to_string(U16()));
-        }
         return first == 0 ? std::u16string() : char16_t(first) + Text();
     }
 
@@ -109,9 +105,8 @@ private:
             return 0;
         }
         uint64_t v = 0;
-        for (size_t i = 0; i < n; ++i) {
+        for (size_t i = 0; i < n; ++i)
             v |= uint64_t(data_[pos_ + i]) << (8 * i);
-        }
         pos_ += n;
         return v;
     }
@@ -131,18 +126,11 @@ Kind KindOf(const std::u16string& cls, uint32_t style)
     } else if (cls == u"edit" || cls == u"#129") {
         return kEdit;
     } else if (cls == u"static" || cls == u"#130") {
-        switch (style & 0x1F) {
-        case 0:
-        case 1:
-        case 2:
-        case 0xB:
-        case 0xC:
-            return kText;
-        case 3:
-            return kIcon;
-        case 0xE:
-            return kBitmap;
-        }
+        const uint32_t s = style & 0x1F;
+        return s <= 2 || s == 0xB || s == 0xC ? kText
+               : s == 3                       ? kIcon
+               : s == 0xE                     ? kBitmap
+                                              : kUnknown;
     } else if (cls == u"combobox" || cls == u"#133") {
         return (style & 3) == 3 ? kDropList : (style & 3) == 2 ? kDropDown : kUnknown;
     } else if (cls == u"listbox" || cls == u"#131") {
@@ -156,13 +144,11 @@ Kind KindOf(const std::u16string& cls, uint32_t style)
 }
 
 // A DLGTEMPLATEEX; nullopt when the data is not one or ends early.
-std::optional<Template> ParseTemplate(const uint8_t* data, size_t size)
+std::optional<Template> ParseTemplate(Reader r)
 {
-    Reader r(data, size);
     Template t;
-    if (r.U16() != 1 || r.U16() != 0xFFFF) {
+    if (r.U16() != 1 || r.U16() != 0xFFFF)
         return std::nullopt;
-    }
     r.U32(); // help id
     r.U32(); // extended style
     t.style = r.U32();
@@ -323,20 +309,20 @@ protected:
         }
     }
 
-    bool Data(int id, LPCWSTR type, const uint8_t** data, size_t* size) const
+    // A reader over resource id of the type; nullopt when the library lacks it.
+    std::optional<Reader> Data(int id, LPCWSTR type) const
     {
         HRSRC info = FindResourceW(module_, MAKEINTRESOURCEW(id), type);
         HGLOBAL handle = info ? LoadResource(module_, info) : nullptr;
-        *data = handle ? static_cast<const uint8_t*>(LockResource(handle)) : nullptr;
-        *size = info ? SizeofResource(module_, info) : 0;
-        return *data != nullptr;
+        auto* data = handle ? static_cast<const uint8_t*>(LockResource(handle)) : nullptr;
+        return data ? std::optional<Reader>(Reader(data, SizeofResource(module_, info)))
+                    : std::nullopt;
     }
 
     std::optional<Template> Load(int id) const
     {
-        const uint8_t* data;
-        size_t size;
-        return Data(id, RT_DIALOG, &data, &size) ? ParseTemplate(data, size) : std::nullopt;
+        auto r = Data(id, RT_DIALOG);
+        return r ? ParseTemplate(*r) : std::nullopt;
     }
 
     std::u16string String(UINT id) const
@@ -407,12 +393,11 @@ TEST_F(Templates, UpDownsFollowTheirEdits)
     for (const auto& s : kSpins) {
         auto t = Load(s.templ);
         ASSERT_TRUE(t) << s.templ;
-        auto at = std::find_if(t->controls.begin(), t->controls.end(),
-                               [&](const Control& c) { return c.id == s.spin; });
-        ASSERT_NE(at, t->controls.end()) << s.templ << " " << s.spin;
-        ASSERT_NE(at, t->controls.begin()) << s.templ << " " << s.spin;
+        const Control* at = t->Find(s.spin);
+        ASSERT_NE(at, nullptr) << s.templ << " " << s.spin;
+        ASSERT_NE(at, t->controls.data()) << s.templ << " " << s.spin;
         EXPECT_EQ(at->kind, kUpDown) << s.spin;
-        EXPECT_EQ(std::prev(at)->id, s.edit) << "template " << s.templ << " up-down " << s.spin;
+        EXPECT_EQ((at - 1)->id, s.edit) << "template " << s.templ << " up-down " << s.spin;
         EXPECT_TRUE(at->style & 0x10) << s.spin << ": UDS_AUTOBUDDY";
         EXPECT_EQ(bool(at->style & 0x2), s.integer) << s.spin << ": UDS_SETBUDDYINT";
     }
@@ -426,23 +411,16 @@ TEST_F(Templates, RadioButtonsOfOneChoiceFormOneGroup)
         auto t = Load(templ);
         ASSERT_TRUE(t) << templ;
         std::vector<size_t> group; // group number of each control
-        size_t number = 0;
-        for (const auto& c : t->controls) {
-            number += (c.style & WS_GROUP_) ? 1 : 0;
-            group.push_back(number);
-        }
+        for (const auto& c : t->controls)
+            group.push_back((group.empty() ? 0 : group.back()) + ((c.style & WS_GROUP_) ? 1 : 0));
         auto groupOf = [&](uint32_t id) {
-            for (size_t i = 0; i < t->controls.size(); ++i) {
-                if (t->controls[i].id == id) {
-                    return group[i];
-                }
-            }
-            return size_t(-1);
+            const Control* c = t->Find(id);
+            return c ? group[size_t(c - t->controls.data())] : size_t(-1);
         };
         const size_t first = groupOf(ids[0]);
-        for (uint32_t id : ids) {
+        ASSERT_NE(first, size_t(-1)) << "template " << templ << " lacks radio " << ids[0];
+        for (uint32_t id : ids)
             EXPECT_EQ(groupOf(id), first) << "template " << templ << " radio " << id;
-        }
         for (size_t i = 0; i < t->controls.size(); ++i) {
             if (group[i] == first && t->controls[i].kind == kRadio) {
                 EXPECT_NE(std::find(ids.begin(), ids.end(), t->controls[i].id), ids.end())
@@ -513,31 +491,23 @@ TEST_F(Templates, TheRollRowsAreComplete)
     }
     // The dialog shrinks by moving the buttons up: they must be its lowest controls.
     const int buttons = t->Find(IDOK)->y;
-    for (const auto& c : t->controls) {
+    for (const auto& c : t->controls)
         EXPECT_LE(c.y, buttons) << c.id;
-    }
 }
 
 TEST_F(Templates, TheDialogStringsExist)
 {
-    std::vector<UINT> ids = {114,  132,  5009, 5217, 5302, 5304, 5307, 5728, 5802, 6001,
-                             6002, 6003, 6004, 6008, 6022, 6023, 6100, 6101, 6102, 6103,
-                             6150, 6151, 6152, 6153, 6156, 6157, 6200, 7004};
-    for (UINT id = 5027; id <= 5033; ++id)
-        ids.push_back(id); // FOLD_ programs
-    for (UINT id = 5501; id <= 5508; ++id)
-        ids.push_back(id); // label fields
-    for (UINT id = 5633; id <= 5636; ++id)
-        ids.push_back(id); // roll status
-    for (UINT id = 6104; id <= 6110; ++id)
-        ids.push_back(id); // accordion folds 2 to 8
-    for (UINT id = 6120; id <= 6129; ++id)
-        ids.push_back(id); // cross folds 2 to 11
-    for (UINT id = 6140; id <= 6146; ++id)
-        ids.push_back(id); // punch and tab names
-    for (UINT id : ids) {
-        EXPECT_FALSE(String(id).empty()) << "string " << id;
-    }
+    // Single strings (the unit and paper names are checked by their text elsewhere), then ranges:
+    // fold programs, label fields, roll status, accordion folds 2 to 8, cross folds 2 to 11, punch
+    // and tab names.
+    const std::pair<UINT, UINT> ranges[] = {{114, 114},   {132, 132},   {5009, 5009}, {5217, 5217},
+                                            {5307, 5307}, {5802, 5802}, {6001, 6004}, {6008, 6008},
+                                            {6022, 6023}, {6100, 6103}, {6150, 6153}, {6156, 6157},
+                                            {6200, 6200}, {7004, 7004}, {5027, 5033}, {5501, 5508},
+                                            {5633, 5636}, {6104, 6110}, {6120, 6129}, {6140, 6146}};
+    for (auto [first, last] : ranges)
+        for (UINT id = first; id <= last; ++id)
+            EXPECT_FALSE(String(id).empty()) << "string " << id;
 }
 
 // The conversions of each format string, in order ("s" for "%s"); "%%" is no conversion.
@@ -545,17 +515,15 @@ std::string Conversions(const std::u16string& format)
 {
     std::string out;
     for (size_t i = 0; i < format.size(); ++i) {
-        if (format[i] != u'%') {
+        if (format[i] != u'%')
             continue;
-        }
         size_t j = i + 1;
         while (j < format.size() &&
                std::u16string(u"-+ #0123456789.lhL").find(format[j]) != std::u16string::npos) {
             ++j;
         }
-        if (j < format.size() && format[j] != u'%') {
+        if (j < format.size() && format[j] != u'%')
             out += char(format[j]);
-        }
         i = j;
     }
     return out;
@@ -568,9 +536,8 @@ TEST_F(Templates, FormatStringsTakeTheirArguments)
     // Finishing sizes: width, length, unit, margin, unit.
     EXPECT_EQ(Conversions(String(IDS_FINISH_SIZES)), "sssss");
     // Texts shown as they are must not look like formats.
-    for (UINT id : {IDS_PRINTERIP_TEST_OK, IDS_PRINTERIP_TEST_FAILED, IDS_MEDIA_ENDS_FINISHING}) {
+    for (UINT id : {IDS_PRINTERIP_TEST_OK, IDS_PRINTERIP_TEST_FAILED, IDS_MEDIA_ENDS_FINISHING})
         EXPECT_EQ(Conversions(String(id)), "") << id;
-    }
     // The file filter ends with its separator and holds pairs of description and pattern.
     const std::u16string filter = String(IDS_FINISHER_FILE_FILTER);
     ASSERT_FALSE(filter.empty());
@@ -583,10 +550,9 @@ TEST_F(Templates, FormatStringsTakeTheirArguments)
 
 TEST_F(Templates, TheFieldMenuOffersTheEightFields)
 {
-    const uint8_t* data;
-    size_t size;
-    ASSERT_TRUE(Data(IDM_LABEL_FIELDS, RT_MENU, &data, &size)) << "menu 300";
-    Reader r(data, size);
+    auto menu = Data(IDM_LABEL_FIELDS, RT_MENU);
+    ASSERT_TRUE(menu) << "menu 300";
+    Reader& r = *menu;
     ASSERT_EQ(r.U16(), 0) << "a MENU, not a MENUEX";
     r.U16();
     const uint16_t popup = r.U16();
@@ -606,43 +572,33 @@ TEST_F(Templates, TheBitmapsAndIconsAreThere)
 {
     // The about pictures, the logo and one picture per model family.
     for (int id : {54, 55, 58, 59, 60, 61, 62, 63, 64, 65, 66}) {
-        const uint8_t* data;
-        size_t size;
-        ASSERT_TRUE(Data(id, RT_BITMAP, &data, &size)) << "bitmap " << id;
-        Reader r(data, size);
-        EXPECT_EQ(r.U32(), 40u) << id << ": BITMAPINFOHEADER";
-        const int32_t width = int32_t(r.U32()), height = int32_t(r.U32());
-        r.U16();
-        const uint16_t bits = r.U16();
+        auto r = Data(id, RT_BITMAP);
+        ASSERT_TRUE(r) << "bitmap " << id;
+        EXPECT_EQ(r->U32(), 40u) << id << ": BITMAPINFOHEADER";
+        const int32_t width = int32_t(r->U32()), height = int32_t(r->U32());
+        r->U16();
+        const uint16_t bits = r->U16();
         ASSERT_TRUE(bits == 24 || bits == 8) << id;
         ASSERT_GT(width, 0);
         const size_t stride = (size_t(width) * bits / 8 + 3) / 4 * 4;
-        EXPECT_GE(size, 40 + (bits == 8 ? 1024 : 0) + stride * size_t(std::abs(height))) << id;
+        EXPECT_GE(r->size(), 40 + (bits == 8 ? 1024 : 0) + stride * size_t(std::abs(height))) << id;
     }
     // The orientation icons, each with its image.
     for (int id = 1; id <= 6; ++id) {
-        const uint8_t* data;
-        size_t size;
-        ASSERT_TRUE(Data(id, RT_GROUP_ICON, &data, &size)) << "icon " << id;
-        Reader r(data, size);
-        r.U16();
-        EXPECT_EQ(r.U16(), 1) << id;
-        const uint16_t count = r.U16();
+        auto r = Data(id, RT_GROUP_ICON);
+        ASSERT_TRUE(r) << "icon " << id;
+        r->U16();
+        EXPECT_EQ(r->U16(), 1) << id;
+        const uint16_t count = r->U16();
         ASSERT_GE(count, 1) << id;
         for (uint16_t i = 0; i < count; ++i) {
-            r.Skip(12);
-            const uint16_t image = r.U16();
-            const uint8_t* imageData;
-            size_t imageSize;
-            EXPECT_TRUE(Data(image, RT_ICON, &imageData, &imageSize)) << id << " " << image;
+            r->Skip(12);
+            const uint16_t image = r->U16();
+            EXPECT_TRUE(Data(image, RT_ICON)) << id << " " << image;
         }
-        EXPECT_TRUE(r.ok()) << id;
+        EXPECT_TRUE(r->ok()) << id;
     }
 }
-
-} // namespace
-
-namespace {
 
 // The identifiers the header names, by name: "#define IDC_X 1234" lines.
 std::map<std::string, long> HeaderIdentifiers(const std::string& path)
@@ -651,10 +607,9 @@ std::map<std::string, long> HeaderIdentifiers(const std::string& path)
     std::ifstream header(path);
     const std::regex define(R"(^\s*#define\s+(IDC_\w+)\s+\(?(-?\d+)\)?)");
     std::smatch m;
-    for (std::string line; std::getline(header, line);) {
+    for (std::string line; std::getline(header, line);)
         if (std::regex_search(line, m, define))
             ids[m[1]] = std::stol(m[2]);
-    }
     return ids;
 }
 
@@ -674,8 +629,6 @@ std::set<std::string> NamesTheDriverUses(const std::filesystem::path& root)
     }
     return names;
 }
-
-} // namespace
 
 // A control the code addresses but no template holds would be missing on every platform.
 TEST_F(Templates, EveryControlTheCodeAddressesIsInATemplate)
@@ -700,3 +653,5 @@ TEST_F(Templates, EveryControlTheCodeAddressesIsInATemplate)
         EXPECT_TRUE(held.count(static_cast<uint32_t>(it->second))) << name << " is in no template";
     }
 }
+
+} // namespace
