@@ -4,6 +4,8 @@
 #pragma once
 
 #include "../win32.h"
+#include "../usersim/controlstate.h"
+#include "../usersim/userscript.h"
 
 #include <cstdint>
 #include <functional>
@@ -141,22 +143,10 @@ int DebugBreakCount();
 
 // ---- User simulation, window dumps and the screen -------------------------------------------
 //
-// A script is text, one action a line; `#` starts a comment, blank lines are ignored. Actions:
-// tab ID, click ID, check ID, uncheck ID, select ID DATA (the item whose data is DATA),
-// select-text ID TEXT, type ID TEXT, key ID CHAR, spin ID DELTA, slide ID POS, menu COMMAND,
-// answer yes|no|ok|cancel|retry|ignore|abort|continue, file PATH, file cancel, ok, cancel,
-// apply, expect ID enabled|disabled|checked|unchecked|visible|hidden|text TEXT|data DATA.
-// Numbers are decimal or 0x hex; TEXT is the rest of the line. Modal runs (dialogs, message
-// boxes, file pickers, popup menus) take their actions from the script; with none left a dialog
-// ends as Cancel and a message box answers its default button.
-struct UserAction
-{
-    std::string verb;
-    int id = 0;
-    long long number = 0;
-    std::string text;
-    int line = 0;
-};
+// Scripts of a person's actions (platform/usersim/userscript.h gives the language). Modal runs
+// (dialogs, message boxes, file pickers, popup menus) take their actions from the script; with
+// none left a dialog ends as Cancel and a message box answers its default button.
+using UserAction = usersim::UserAction;
 // Parses and installs a script, replacing any; false with "line N: ..." in *error, nothing
 // installed. Installing a script clears the failures recorded before.
 bool SetUserScript(const std::string& script, std::string* error);
@@ -176,18 +166,9 @@ std::vector<std::string> UserScriptFailures();
 void SetScreenSize(int cx, int cy);
 int MessageBeepCount();
 
-// The state of a window's controls, for tests, qlmhost and people.
-struct ControlState
-{
-    int id = 0;
-    std::string className; // "Button", "Edit", "Static", "ComboBox", "ListBox", ...
-    std::string kind;      // "push", "checkbox", "radio", "groupbox", "edit", "dropdownlist", ...
-    std::u16string text;
-    bool enabled = false, visible = false, checked = false;
-    int selection = -1;
-    std::vector<std::pair<std::u16string, long long>> items;
-    long long position = 0, rangeMin = 0, rangeMax = 0;
-};
+// The state of a window's controls, for tests, qlmhost and people, in the words both platforms
+// use (platform/usersim/controlstate.h).
+using ControlState = usersim::ControlState;
 std::vector<ControlState> DescribeWindow(HWND window); // child controls in z-order
 // A readable text of the same, one control a line, preceded by the window's own line.
 std::string DumpWindow(HWND window);

@@ -22,174 +22,6 @@ ScriptState& State()
     return *state;
 }
 
-std::string Trim(const std::string& s)
-{
-    size_t b = s.find_first_not_of(" \t\r\n");
-    if (b == std::string::npos) {
-        return "";
-    }
-    size_t e = s.find_last_not_of(" \t\r\n");
-    return s.substr(b, e - b + 1);
-}
-
-// Splits off the first word of text.
-std::string Word(std::string* text)
-{
-    std::string t = Trim(*text);
-    size_t space = t.find_first_of(" \t");
-    std::string word = t.substr(0, space);
-    *text = space == std::string::npos ? "" : t.substr(space + 1);
-    return word;
-}
-
-bool ParseNumber(const std::string& word, long long* value)
-{
-    if (word.empty()) {
-        return false;
-    }
-    const char* s = word.c_str();
-    bool negative = *s == '-';
-    if (negative) {
-        ++s;
-    }
-    int base = 10;
-    if (s[0] == '0' && (s[1] == 'x' || s[1] == 'X')) {
-        base = 16;
-        s += 2;
-    }
-    if (!*s) {
-        return false;
-    }
-    char* end = nullptr;
-    errno = 0;
-    unsigned long long v = strtoull(s, &end, base);
-    if (*end || errno) {
-        return false;
-    }
-    *value = negative ? -(long long)v : (long long)v;
-    return true;
-}
-
-const char* const kAnswers[] = {"yes",   "no",     "ok",    "cancel",
-                                "retry", "ignore", "abort", "continue"};
-
-bool ParseLine(const std::string& raw, int line, UserAction* action, std::string* why)
-{
-    std::string rest = raw;
-    action->line = line;
-    action->verb = Word(&rest);
-    const std::string& verb = action->verb;
-    auto id = [&]() {
-        long long v;
-        std::string w = Word(&rest);
-        if (!ParseNumber(w, &v) || v < INT32_MIN || v > INT32_MAX) {
-            *why = "'" + verb + "' needs a control id" + (w.empty() ? "" : ", not '" + w + "'");
-            return false;
-        }
-        action->id = int(v);
-        return true;
-    };
-    auto number = [&](const char* what) {
-        std::string w = Word(&rest);
-        if (!ParseNumber(w, &action->number)) {
-            *why = "'" + verb + "' needs " + what + (w.empty() ? "" : ", not '" + w + "'");
-            return false;
-        }
-        return true;
-    };
-    auto nothingMore = [&] {
-        if (!Trim(rest).empty()) {
-            *why = "unexpected '" + Trim(rest) + "' after '" + verb + "'";
-            return false;
-        }
-        return true;
-    };
-    if (verb == "ok" || verb == "cancel" || verb == "apply") {
-        return nothingMore();
-    }
-    if (verb == "tab" || verb == "click" || verb == "check" || verb == "uncheck") {
-        return id() && nothingMore();
-    }
-    if (verb == "select") {
-        return id() && number("the item data") && nothingMore();
-    }
-    if (verb == "spin") {
-        return id() && number("a delta") && nothingMore();
-    }
-    if (verb == "slide") {
-        return id() && number("a position") && nothingMore();
-    }
-    if (verb == "menu") {
-        return number("a command") && nothingMore();
-    }
-    if (verb == "select-text" || verb == "type" || verb == "key") {
-        if (!id()) {
-            return false;
-        }
-        // The text starts after the one blank that ends the id.
-        action->text = Trim(rest);
-        if (verb == "select-text" && action->text.empty()) {
-            *why = "'select-text' needs a text";
-            return false;
-        }
-        if (verb == "key") {
-            std::u16string k = Utf8ToUtf16(action->text);
-            if (action->text == "backspace") {
-                action->number = VK_BACK;
-            } else if (action->text == "space") {
-                action->number = u' ';
-            } else if (k.size() == 1) {
-                action->number = k[0];
-            } else {
-                *why = "'key' needs one character or backspace or space";
-                return false;
-            }
-        }
-        return true;
-    }
-    if (verb == "answer") {
-        action->text = Word(&rest);
-        for (const char* a : kAnswers) {
-            if (action->text == a) {
-                return nothingMore();
-            }
-        }
-        *why = "'answer' needs yes, no, ok, cancel, retry, ignore, abort or continue";
-        return false;
-    }
-    if (verb == "file") {
-        action->text = Trim(rest);
-        if (action->text.empty()) {
-            *why = "'file' needs a path or cancel";
-            return false;
-        }
-        return true;
-    }
-    if (verb == "expect") {
-        if (!id()) {
-            return false;
-        }
-        action->text = Word(&rest);
-        const std::string& what = action->text;
-        if (what == "enabled" || what == "disabled" || what == "checked" || what == "unchecked" ||
-            what == "visible" || what == "hidden") {
-            return nothingMore();
-        }
-        if (what == "text") {
-            action->text = "text " + Trim(rest);
-            return true;
-        }
-        if (what == "data") {
-            return number("the item data") && nothingMore();
-        }
-        *why = "'expect' needs enabled, disabled, checked, unchecked, visible, hidden, text or "
-               "data";
-        return false;
-    }
-    *why = "unknown action '" + verb + "'";
-    return false;
-}
-
 bool Fail(const UserAction& action, const std::string& message)
 {
     RecordUserScriptFailure(action, message);
@@ -330,59 +162,22 @@ namespace host {
 
 using namespace detail;
 
-namespace {
-
-bool ParseScript(const std::string& script, std::deque<UserAction>* parsed, std::string* error)
-{
-    std::deque<UserAction>& actions = *parsed;
-    size_t start = 0;
-    int line = 0;
-    while (start <= script.size()) {
-        size_t end = script.find('\n', start);
-        if (end == std::string::npos) {
-            end = script.size();
-        }
-        std::string text = script.substr(start, end - start);
-        start = end + 1;
-        ++line;
-        size_t hash = text.find('#');
-        if (hash != std::string::npos) {
-            text.resize(hash);
-        }
-        if (Trim(text).empty()) {
-            continue;
-        }
-        UserAction action;
-        std::string why;
-        if (!ParseLine(text, line, &action, &why)) {
-            if (error) {
-                *error = "line " + std::to_string(line) + ": " + why;
-            }
-            return false;
-        }
-        actions.push_back(std::move(action));
-    }
-    return true;
-}
-
-} // namespace
-
 bool SetUserScript(const std::string& script, std::string* error)
 {
-    std::deque<UserAction> actions;
-    if (!ParseScript(script, &actions, error)) {
+    std::vector<UserAction> actions;
+    if (!usersim::ParseUserScript(script, &actions, error)) {
         return false;
     }
     Lock lock(StateMutex());
-    State().actions = std::move(actions);
+    State().actions.assign(actions.begin(), actions.end());
     State().failures.clear();
     return true;
 }
 
 bool AppendUserScript(const std::string& script, std::string* error)
 {
-    std::deque<UserAction> actions;
-    if (!ParseScript(script, &actions, error)) {
+    std::vector<UserAction> actions;
+    if (!usersim::ParseUserScript(script, &actions, error)) {
         return false;
     }
     Lock lock(StateMutex());
@@ -427,7 +222,7 @@ bool TakeUserAction(UserAction* action)
 void RecordUserScriptFailure(const UserAction& action, const std::string& message)
 {
     Lock lock(StateMutex());
-    State().failures.push_back("line " + std::to_string(action.line) + ": " + message);
+    State().failures.push_back(usersim::FailureText(action, message));
 }
 
 std::vector<std::string> UserScriptFailures()
@@ -555,119 +350,12 @@ bool PerformUserAction(HWND window, const UserAction& action)
 
 std::vector<ControlState> DescribeWindow(HWND window)
 {
-    std::vector<ControlState> states;
-    for (HWND c = GetWindow(window, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT)) {
-        WindowPtr w = FindWindowQuiet(c);
-        if (!w) {
-            continue;
-        }
-        bool visible = IsWindowVisible(c);
-        ControlState s;
-        Lock lock(StateMutex());
-        const ControlData& d = w->control;
-        s.id = int(w->id);
-        s.className = Utf16ToUtf8(w->className);
-        s.text = w->text;
-        s.enabled = !(w->style & WS_DISABLED);
-        s.visible = visible;
-        DWORD style = w->style;
-        switch (w->kind) {
-        case ControlKind::Button: {
-            static const char* const kinds[] = {
-                "push",   "defpush",  "checkbox",    "checkbox",      "radio",   "3state",
-                "3state", "groupbox", "user",        "radio",         "pushbox", "ownerdraw",
-                "split",  "defsplit", "commandlink", "defcommandlink"};
-            s.kind = kinds[style & BS_TYPEMASK];
-            s.checked = d.check == BST_CHECKED;
-            break;
-        }
-        case ControlKind::Edit:
-            s.kind = (style & ES_MULTILINE)  ? "multiline"
-                     : (style & ES_PASSWORD) ? "password"
-                                             : "edit";
-            break;
-        case ControlKind::Static: {
-            DWORD type = style & SS_TYPEMASK;
-            s.kind = type == SS_ICON        ? "icon"
-                     : type == SS_BITMAP    ? "bitmap"
-                     : type == SS_OWNERDRAW ? "ownerdraw"
-                     : (type <= SS_RIGHT || type == SS_SIMPLE || type == SS_LEFTNOWORDWRAP)
-                         ? "text"
-                         : "frame";
-            if (d.resourceId && s.text.empty()) {
-                s.text = u"#" + Utf8ToUtf16(std::to_string(d.resourceId));
-            }
-            break;
-        }
-        case ControlKind::ComboBox:
-        case ControlKind::ListBox:
-            if (w->kind == ControlKind::ComboBox) {
-                DWORD type = style & 3;
-                s.kind = type == CBS_SIMPLE     ? "simple"
-                         : type == CBS_DROPDOWN ? "dropdown"
-                                                : "dropdownlist";
-                if (WindowPtr e = FindWindowQuiet(d.edit)) {
-                    s.text = e->text;
-                } else {
-                    s.text = d.selection >= 0 ? d.items[size_t(d.selection)].text : u"";
-                }
-            } else {
-                s.kind = (style & LBS_MULTIPLESEL)   ? "multiple"
-                         : (style & LBS_EXTENDEDSEL) ? "extended"
-                                                     : "single";
-            }
-            s.selection = d.selection;
-            for (const auto& item : d.items) {
-                s.items.emplace_back(item.text, (long long)item.data);
-            }
-            break;
-        case ControlKind::UpDown:
-        case ControlKind::Trackbar:
-            if (w->kind == ControlKind::UpDown) {
-                s.kind = (style & UDS_HORZ) ? "horizontal" : "vertical";
-            } else {
-                s.kind = (style & TBS_VERT) ? "vertical" : "horizontal";
-            }
-            s.position = d.position;
-            s.rangeMin = d.rangeMin;
-            s.rangeMax = d.rangeMax;
-            break;
-        default:
-            break;
-        }
-        states.push_back(std::move(s));
-    }
-    return states;
+    return usersim::DescribeControls(window);
 }
 
-namespace {
-
-std::string Quote(const std::u16string& text)
-{
-    std::string out = "\"";
-    for (char c : Utf16ToUtf8(text)) {
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += c;
-        } else if (c == '\n') {
-            out += "\\n";
-        } else if (c == '\r') {
-            out += "\\r";
-        } else if (c == '\t') {
-            out += "\\t";
-        } else {
-            out += c;
-        }
-    }
-    return out + "\"";
-}
-
-} // namespace
-
-// One line for the window, then one a control:
+// The window's own line, then one a control:
 //   dialog 217 "Printer address"
 //     1349 Edit edit "10.0.0.5" enabled visible
-//     1004 ComboBox dropdownlist "A3" enabled visible selection 1: "A4"=274, *"A3"=273
 std::string DumpWindow(HWND window)
 {
     WindowPtr w = FindWindowQuiet(window);
@@ -678,41 +366,13 @@ std::string DumpWindow(HWND window)
     {
         Lock lock(StateMutex());
         if (w->dialog) {
-            out = "dialog " + Utf16ToUtf8(w->dialog->templateName) + " " + Quote(w->text) + "\n";
+            out = "dialog " + Utf16ToUtf8(w->dialog->templateName) + " " +
+                  usersim::QuoteText(w->text) + "\n";
         } else {
-            out = "window " + Utf16ToUtf8(w->className) + " " + Quote(w->text) + "\n";
+            out = "window " + Utf16ToUtf8(w->className) + " " + usersim::QuoteText(w->text) + "\n";
         }
     }
-    for (const ControlState& s : DescribeWindow(window)) {
-        out += "  " + std::to_string(s.id) + " " + s.className;
-        if (!s.kind.empty()) {
-            out += " " + s.kind;
-        }
-        out += " " + Quote(s.text);
-        out += s.enabled ? " enabled" : " disabled";
-        out += s.visible ? " visible" : " hidden";
-        if (s.className == "Button" &&
-            (s.kind == "checkbox" || s.kind == "radio" || s.kind == "3state")) {
-            out += s.checked ? " checked" : " unchecked";
-        }
-        if (s.className == "ComboBox" || s.className == "ListBox") {
-            out += " selection " +
-                   (s.selection < 0 ? std::string("none") : std::to_string(s.selection)) + ":";
-            if (s.items.empty()) {
-                out += " (empty)";
-            }
-            for (size_t i = 0; i < s.items.size(); ++i) {
-                out += std::string(i ? ", " : " ") + (int(i) == s.selection ? "*" : "") +
-                       Quote(s.items[i].first) + "=" + std::to_string(s.items[i].second);
-            }
-        }
-        if (s.className == "msctls_updown32" || s.className == "msctls_trackbar32") {
-            out += " position " + std::to_string(s.position) + " range " +
-                   std::to_string(s.rangeMin) + ".." + std::to_string(s.rangeMax);
-        }
-        out += "\n";
-    }
-    return out;
+    return out + usersim::DumpControls(DescribeWindow(window));
 }
 
 } // namespace host

@@ -453,7 +453,7 @@ TEST_F(UserSimTest, DumpShowsEveryControl)
               "  1009 Button radio \"&Portrait\" enabled hidden checked\n"
               "  1010 Button radio \"&Landscape\" enabled hidden unchecked\n"
               "  1011 msctls_trackbar32 horizontal \"\" enabled hidden position 0 range 0..100\n"
-              "  1013 Static icon \"#5\" enabled hidden\n"
+              "  1013 Static icon \"\" enabled hidden\n"
               "  1014 Button push \"&Test\" enabled hidden\n"
               "  1015 Edit edit \"\" enabled hidden\n"
               "  1 Button defpush \"OK\" enabled hidden\n"
