@@ -93,6 +93,17 @@ void TVODevMode::CheckGuards() const
     }
 }
 
+BOOL TVODevMode::StoreQueueRecord(HANDLE hPrinter, PRINTER_INFO_2W* pInfo, DEVMODEEX* pDM)
+{
+    const DEVMODEW* pStored = pInfo->pDevMode;
+    const size_t cbField = offsetof(DEVMODEEX, dmxFirmwareRevision) + sizeof(LONG);
+    if (pStored && size_t(pStored->dmSize) + pStored->dmDriverExtra >= cbField)
+        Trace(TEXT("firmware of the stored record: %d"),
+              reinterpret_cast<const DEVMODEEX*>(pStored)->dmxFirmwareRevision);
+    pInfo->pDevMode = &pDM->dmPublic;
+    return SetPrinterW(hPrinter, 2, reinterpret_cast<LPBYTE>(pInfo), 0);
+}
+
 BOOL TVODevMode::IsSorrento(HANDLE hPrinter)
 {
     QLM_TRACE_SCOPE(TEXT("TVODevMode::IsSorrento"), TraceDevMode());

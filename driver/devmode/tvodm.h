@@ -40,6 +40,12 @@ public:
     virtual void GetAccountingInfo(HANDLE hPrinter);
     virtual void SetAccountingInfo(HANDLE hPrinter, BOOL bClean);
 
+    // Makes pDM the queue's stored record, whole, through the printer's information block
+    // pInfo as GetPrinterW level 2 gave it. The block has room only for the record it holds,
+    // which may be a bare DEVMODEW of another driver, so its record pointer is turned to pDM
+    // instead of copying over it. The result of SetPrinterW.
+    static BOOL StoreQueueRecord(HANDLE hPrinter, PRINTER_INFO_2W* pInfo, DEVMODEEX* pDM);
+
     // TRUE for the printers whose default resolution is 600: the queue's name holds 3310, 3320,
     // 3320A or 3344.
     static BOOL IsSorrento(HANDLE hPrinter);

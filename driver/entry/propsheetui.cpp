@@ -263,11 +263,7 @@ LONG TVONTUIDriver::PropsheetUI_Set(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
         if (lpdi->bExtDevMode && (lpdi->wMode & DM_USER_DEFAULT)) {
             auto* pInfo = reinterpret_cast<PRINTER_INFO_2W*>(QLMGetPrinterInfo(lpdi->hPrinter, 2));
             if (pInfo) {
-                if (pInfo->pDevMode)
-                    memcpy(static_cast<void*>(pInfo->pDevMode), lpdi->lpDM, sizeof(DEVMODEEX));
-                else
-                    pInfo->pDevMode = &lpdi->lpDM->dmPublic;
-                SetPrinterW(lpdi->hPrinter, 2, reinterpret_cast<LPBYTE>(pInfo), 0);
+                TVODevMode::StoreQueueRecord(lpdi->hPrinter, pInfo, lpdi->lpDM);
                 GlobalFree(pInfo);
             }
         }

@@ -74,7 +74,7 @@ BOOL TVOTab::OnSetActive()
 
 namespace {
 
-// The device sheet's edits become the printer's stored settings: the whole record goes over
+// The device sheet's edits become the printer's stored settings: the whole record replaces
 // the stored one, whatever size that had.
 void StoreAsPrinterDefault(HANDLE hPrinter, DEVMODEEX* lpDM)
 {
@@ -98,14 +98,7 @@ void StoreAsPrinterDefault(HANDLE hPrinter, DEVMODEEX* lpDM)
         GlobalFree(hInfo);
         return;
     }
-    if (pInfo->pDevMode) {
-        Trace(TEXT("firmware of the stored record: %d"),
-              reinterpret_cast<DEVMODEEX*>(pInfo->pDevMode)->dmxFirmwareRevision);
-        memcpy(static_cast<void*>(pInfo->pDevMode), lpDM, sizeof(DEVMODEEX));
-    } else {
-        pInfo->pDevMode = &lpDM->dmPublic;
-    }
-    SetPrinterW(hPrinter, 2, reinterpret_cast<LPBYTE>(pInfo), 0);
+    TVODevMode::StoreQueueRecord(hPrinter, pInfo, lpDM);
     GlobalUnlock(hInfo);
     GlobalFree(hInfo);
 }

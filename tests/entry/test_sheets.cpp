@@ -253,6 +253,24 @@ TEST_F(Sheets, TheDeviceSheetWritesThePrintersStoredRecordOnOK)
     EXPECT_EQ(1, AsRecord(after).dmPublic.dmCopies) << "the sheet's record is the default one";
 }
 
+// Another driver's bare DEVMODEW leaves the printer's information block no room for this
+// driver's record: OK must store the whole record without writing past the block.
+TEST_F(Sheets, TheDeviceSheetReplacesAForeignStoredRecordWhole)
+{
+    std::vector<uint8_t> foreign(sizeof(DEVMODEW), 0);
+    auto* pForeign = reinterpret_cast<DEVMODEW*>(foreign.data());
+    pForeign->dmSize = sizeof(DEVMODEW);
+    pForeign->dmSpecVersion = 0x0401;
+    pForeign->dmCopies = 4;
+    HostPrinter printer(u"Sheet foreign", u"Tarvo Plan Output System 2440", u"LPT1:", foreign);
+
+    Outcome ok = Device(printer, 0, "ok\n");
+    EXPECT_EQ(DWORD(CPSUI_OK), ok.result);
+    std::vector<uint8_t> after = StoredRecord(printer.name());
+    ASSERT_EQ(sizeof(DEVMODEEX), after.size()) << "the stored record is this driver's, whole";
+    EXPECT_EQ(kDEVMODEEX_DRIVER_EXTRA, AsRecord(after).dmPublic.dmDriverExtra);
+}
+
 // A first opening on a port that answers asks the printer; OK marks the user as having seen
 // the sheet, after which the printer is asked no more.
 TEST_F(Sheets, TheFirstOpeningRefreshesAndOKEndsTheFirstTime)
