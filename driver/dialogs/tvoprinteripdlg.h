@@ -20,7 +20,8 @@ public:
     WCHAR m_szPortName[128];
     char m_szPortNameA[128];
     DEVMODEEX m_DM;
-    char m_szAddress[kPRINTERIP_ADDRESS_CB]; // the result in 8 bits, read after OK
+    // The result in 8 bits, read after OK: all 127 characters the box takes, and a terminator.
+    char m_szAddress[kPRINTERIP_ADDRESS_CB + 1];
 };
 
 // Tries a connection to the printer's PJL port at address; TRUE when it connects.

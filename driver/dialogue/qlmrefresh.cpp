@@ -156,7 +156,8 @@ int QLMRefresh(TVOPrinterConfiguration* config, DEVMODEEX* dm, HWND hwnd)
 
         if (!ConnectByPort(socket, hPrinter, portName)) {
             // Kept across questions: an answer without an address tries the last one again.
-            char address[kQLM_ADDRESS_CB] = {};
+            // Room for the 127 characters the address box takes, and a terminator.
+            char address[kQLM_ADDRESS_CB + 1] = {};
             for (;;) {
                 if (g_questions.askAddress(portName, config, dm, hwnd, address, sizeof(address)) !=
                     1) {

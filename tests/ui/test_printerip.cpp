@@ -138,6 +138,13 @@ TEST_F(AddressDialog, LimitsAndPermission)
                          long127 +
                          "\n"
                          "cancel\n"));
+    // What OK hands back holds all 127 characters.
+    std::string error;
+    ASSERT_TRUE(host::SetUserScript("type 1349 " + long127 + "\nok\n", &error)) << error;
+    TVOPrinterIPDlg dlg(u"127.0.0.97", m_config.get(), m_record->m_lpDM);
+    EXPECT_EQ(1, dlg.doModal(GetDesktopWindow()));
+    EXPECT_EQ(long127, std::string(dlg.m_szAddress));
+
     m_config->m_bHasPermission = 0;
     EXPECT_EQ(0, Refresh("expect 1349 disabled\nexpect 1350 disabled\ncancel\n"));
 }
