@@ -14,6 +14,7 @@ struct SheetPage
     int templateId = 0;   // the page's template, when it is named by number
     bool created = false; // the page was activated at least once
     std::string dump;     // DumpWindow of the page as it stood when the sheet closed
+    std::u16string title; // the page's caption
     std::vector<ControlState> controls;
 };
 

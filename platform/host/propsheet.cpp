@@ -290,6 +290,9 @@ void Sheet::Close()
             page.created = pPage->hwnd != nullptr;
             if (pPage->hwnd) {
                 page.dump = host::DumpWindow(pPage->hwnd);
+                WCHAR title[256] = {};
+                int cch = GetWindowTextW(pPage->hwnd, title, 256);
+                page.title.assign(title, size_t(cch > 0 ? cch : 0));
                 page.controls = host::DescribeWindow(pPage->hwnd);
             }
         }

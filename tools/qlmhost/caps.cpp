@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <strings.h>
 
 namespace {
 
@@ -90,8 +89,7 @@ bool ParseCapIndex(const std::string& text, WORD* index)
         return true;
     }
     for (const CapIndex& row : kCapIndexes) {
-        if (strcasecmp(text.c_str(), row.name) == 0 ||
-            strcasecmp(text.c_str(), row.name + 3) == 0) {
+        if (SameWord(text.c_str(), row.name) || SameWord(text.c_str(), row.name + 3)) {
             *index = row.index;
             return true;
         }

@@ -12,135 +12,6 @@
 #include <filesystem>
 #include <fstream>
 
-bool Args::Take(const std::string& name, std::string* value)
-{
-    for (size_t i = 0; i + 1 < m_words.size(); i++) {
-        if (m_words[i] == name) {
-            *value = m_words[i + 1];
-            m_words.erase(m_words.begin() + i, m_words.begin() + i + 2);
-            return true;
-        }
-    }
-    return false;
-}
-
-bool Args::Flag(const std::string& name)
-{
-    for (size_t i = 0; i < m_words.size(); i++) {
-        if (m_words[i] == name) {
-            m_words.erase(m_words.begin() + i);
-            return true;
-        }
-    }
-    return false;
-}
-
-bool Args::Unknown(std::string* message) const
-{
-    for (const std::string& w : m_words) {
-        if (w.size() > 2 && w.rfind("--", 0) == 0) {
-            *message = "unknown option " + w + " (or it lacks its value)";
-            return true;
-        }
-    }
-    return false;
-}
-
-int Fail(const std::string& message)
-{
-    fprintf(stderr, "qlmhost: %s\n", message.c_str());
-    return 1;
-}
-
-int UsageError(const Command& command, const std::string& message)
-{
-    fprintf(stderr, "qlmhost %s: %s\nusage: qlmhost %s %s\n", command.name, message.c_str(),
-            command.name, command.usage);
-    return 2;
-}
-
-const Command& FindCommand(const char* name)
-{
-    for (size_t i = 0; i < g_cCommands; i++)
-        if (strcmp(g_Commands[i].name, name) == 0)
-            return g_Commands[i];
-    abort();
-}
-
-bool Expect(Args& args, const char* command, size_t minWords, size_t maxWords, int* rc)
-{
-    std::string message;
-    if (args.Unknown(&message)) {
-        *rc = UsageError(FindCommand(command), message);
-        return false;
-    }
-    size_t n = args.Rest().size();
-    if (n < minWords || n > maxWords) {
-        *rc = UsageError(FindCommand(command),
-                         n < minWords ? "missing arguments" : "too many arguments");
-        return false;
-    }
-    return true;
-}
-
-std::u16string W(const std::string& s)
-{
-    return host::Utf8ToUtf16(s);
-}
-
-std::string U(const std::u16string& s)
-{
-    return host::Utf16ToUtf8(s);
-}
-
-std::string Win32Error(DWORD code)
-{
-    struct Row
-    {
-        DWORD code;
-        const char* text;
-    } kRows[] = {
-        {ERROR_FILE_NOT_FOUND, "not found"},
-        {ERROR_INVALID_HANDLE, "invalid handle"},
-        {ERROR_ACCESS_DENIED, "access denied (the key has subkeys)"},
-        {ERROR_INVALID_PARAMETER, "invalid parameter"},
-        {ERROR_INSUFFICIENT_BUFFER, "buffer too small"},
-        {ERROR_INVALID_PRINTER_NAME, "no such printer"},
-        {ERROR_BAD_PATHNAME, "bad key path"},
-        {ERROR_MORE_DATA, "more data than room"},
-        {ERROR_NOT_SUPPORTED, "not supported"},
-    };
-    for (const Row& row : kRows)
-        if (row.code == code)
-            return row.text + std::string(" (error ") + std::to_string(code) + ")";
-    return "error " + std::to_string(code);
-}
-
-bool ParseNumber(const std::string& text, long long low, long long high, long long* value)
-{
-    if (text.empty() || text.size() > 20 || isspace(static_cast<unsigned char>(text[0])))
-        return false;
-    char* end = nullptr;
-    errno = 0;
-    long long v = strtoll(text.c_str(), &end, 0);
-    if (*end || errno || v < low || v > high)
-        return false;
-    *value = v;
-    return true;
-}
-
-OpenedPrinter::OpenedPrinter(const std::string& name) : m_name(W(name))
-{
-    if (m_name.empty() || !OpenPrinterW(m_name.data(), &m_handle, nullptr))
-        m_handle = nullptr;
-}
-
-OpenedPrinter::~OpenedPrinter()
-{
-    if (m_handle)
-        ClosePrinter(m_handle);
-}
-
 namespace {
 
 // --dword N | --string S | --binary HEX, as a registry type and its bytes.
@@ -647,6 +518,14 @@ int DriverAnswers(Args& args, const Options& options)
 
 } // namespace
 
+int BatchCommand(Args& args, const Options& options)
+{
+    int rc;
+    if (!Expect(args, "batch", 1, 1, &rc))
+        return rc;
+    return RunBatch(args.Rest()[0], options);
+}
+
 const Command g_Commands[] = {
     {"printer add", "NAME --driver DRIVER [--port PORT]",
      "Adds a queue of the driver; installs the driver's resources when they are missing.",
@@ -717,7 +596,9 @@ const Command g_Commands[] = {
     {"printer state", "PRINTER [--json]",
      "Shows what the queue's record holds of its printer: rolls, firmware, fonts, finisher.",
      PrinterStateCommand},
-    {"sheet", "PRINTER [--device] [--mode FLAGS] [--in FILE] [--script FILE] [--dump] [--json]",
+    {"sheet",
+     "PRINTER [--device] [--mode FLAGS] [--in FILE] [--script FILE] [--dump] [--json]\n"
+     "                   | --case FILE [--dump] [--json]",
      "Opens a property sheet as the common UI does and runs a script of a person's actions.",
      SheetCommand,
      "The document sheet (DrvDocumentPropertySheets) with fMode DM_IN_PROMPT | DM_IN_BUFFER |\n"
@@ -731,7 +612,14 @@ const Command g_Commands[] = {
      "  A dialog opened by an action takes the actions that follow until it ends. Without\n"
      "  actions left the sheet ends as Cancel. Prints the result and the record the caller\n"
      "  gets (the queue's stored record for --device); --dump adds each page's controls.\n"
-     "  Exit 1 when a script line fails (its line number is named on standard error)."},
+     "  Exit 1 when a script line fails (its line number is named on standard error).\n"
+     "  --case runs a script case: its lines \"#: printer NAME\", \"#: sheet device\",\n"
+     "  \"#: mode FLAGS\" choose the sheet, and \"#: result N\", \"#: record FIELD TEXT\" say\n"
+     "  what must come out; what does not is a failure."},
+    {"batch", "FILE", "Runs the command lines of FILE in this process, one answer line each.",
+     BatchCommand,
+     "Blank lines and lines that start with # are passed over. Each command prints one line:\n"
+     "  the command line, a tab, and its output (--json gives JSON) or {\"error\": ...}."},
     {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
      DevmodeLayout},
     {"devmode new", "PRINTER [--json]",

@@ -9,7 +9,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <strings.h>
 
 namespace {
 
@@ -266,7 +265,7 @@ int DevmodeConvert(Args& args, const Options& options)
 
     ConvertMode mode = {nullptr, 0, sizeof(DEVMODEEX)};
     for (const ConvertMode& row : kConvertModes)
-        if (strcasecmp(modeText.c_str(), row.name) == 0)
+        if (SameWord(modeText.c_str(), row.name))
             mode = row;
     long long number;
     if (!mode.name) {

@@ -1,8 +1,38 @@
 #include "driverlib.h"
 
-#include <dlfcn.h>
+#include "cli.h"
 
 #include <algorithm>
+
+#ifdef _WIN32
+
+// Windows' loader calls DllMain itself.
+DriverLibrary::~DriverLibrary()
+{
+    if (m_handle)
+        FreeLibrary(static_cast<HMODULE>(m_handle));
+}
+
+bool DriverLibrary::Load(const std::string& path, std::string* error)
+{
+    std::u16string wide = W(path);
+    m_handle = LoadLibraryW(reinterpret_cast<LPCWSTR>(wide.c_str()));
+    if (!m_handle) {
+        *error = "cannot load the driver library " + path + ": " + Win32Error(GetLastError());
+        return false;
+    }
+    return true;
+}
+
+void* DriverLibrary::Export(const char* name) const
+{
+    return m_handle ? reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(m_handle), name))
+                    : nullptr;
+}
+
+#else
+
+#include <dlfcn.h>
 
 DriverLibrary::~DriverLibrary()
 {
@@ -36,6 +66,8 @@ void* DriverLibrary::Export(const char* name) const
 {
     return m_handle ? dlsym(m_handle, name) : nullptr;
 }
+
+#endif
 
 GuardedBuffer::GuardedBuffer(size_t cb) : m_cb(cb), m_bytes(cb + kGuard, 0)
 {

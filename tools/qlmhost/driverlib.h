@@ -1,5 +1,6 @@
-// The driver library as the spooler loads it: QLMUIDrv.so, its DllMain called on load, its
-// exports looked up by name.
+// The driver library as the spooler loads it, its exports looked up by name: QLMUIDrv.dll
+// through the Windows loader, or QLMUIDrv.so on the host, whose DllMain is called on load as
+// Windows' loader would.
 #pragma once
 
 #include "platform/win32.h"

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+const char* const g_pszToolName = "qlmhost";
+
 namespace {
 
 void PrintHelp()
@@ -81,25 +83,8 @@ int main(int argc, char** argv)
         return i == words.size() ? 2 : 0;
     }
 
-    // The longest command name that the words begin with: "printer add" before "printer".
-    const Command* command = nullptr;
     size_t used = 0;
-    for (size_t c = 0; c < g_cCommands; c++) {
-        std::vector<std::string> parts;
-        for (const char *p = g_Commands[c].name, *q; *p; p = *q ? q + 1 : q) {
-            q = strchr(p, ' ');
-            if (!q)
-                q = p + strlen(p);
-            parts.emplace_back(p, q);
-        }
-        bool match = i + parts.size() <= words.size();
-        for (size_t k = 0; match && k < parts.size(); k++)
-            match = words[i + k] == parts[k];
-        if (match && parts.size() > used) {
-            command = &g_Commands[c];
-            used = parts.size();
-        }
-    }
+    const Command* command = MatchCommand(words, i, &used);
     if (!command)
         return GlobalUsageError("unknown command '" + words[i] + "'");
 

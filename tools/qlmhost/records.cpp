@@ -1,6 +1,6 @@
 #include "records.h"
 
-#include "platform/host/host.h"
+#include "platform/usersim/controlstate.h"
 
 #include <cstdio>
 #include <cstring>
@@ -81,7 +81,7 @@ std::string JsonQuote(const std::u16string& text)
 
 std::string JsonQuote(const std::string& utf8)
 {
-    return JsonQuote(host::Utf8ToUtf16(utf8));
+    return JsonQuote(usersim::Utf8ToUtf16(utf8));
 }
 
 std::string TextQuote(const std::u16string& text)
@@ -425,6 +425,41 @@ void FieldsToText(std::string& out, const std::string& prefix, const DEVMODEEX_F
 }
 
 } // namespace
+
+bool RecordFieldText(const BYTE* record, size_t cb, const std::string& name, std::string* text)
+{
+    std::string field = name;
+    DWORD index = 0;
+    size_t open = name.find('[');
+    if (open != std::string::npos) {
+        if (name.back() != ']' || open + 2 >= name.size())
+            return false;
+        char* end = nullptr;
+        unsigned long value = strtoul(name.c_str() + open + 1, &end, 10);
+        if (end != name.c_str() + name.size() - 1)
+            return false;
+        field = name.substr(0, open);
+        index = static_cast<DWORD>(value);
+    }
+    for (size_t i = 0; i < g_cDevmodeFields; i++) {
+        const DEVMODEEX_FIELD& f = g_DevmodeFields[i];
+        if (field != f.pszName || f.eKind == kDMF_FINISHER || f.eKind == kDMF_BYTES ||
+            f.eKind == kDMF_LIST || size_t(f.dwOffset) + f.cbSize > cb)
+            continue;
+        const BYTE* p = record + f.dwOffset;
+        if (f.eKind == kDMF_TEXT) {
+            if (index)
+                return false;
+            *text = usersim::Utf16ToUtf8(BoundedText(p, f.cbSize / 2));
+            return true;
+        }
+        if (index >= f.cbSize / f.cbElement)
+            return false;
+        *text = ElementText(p, f, index);
+        return true;
+    }
+    return false;
+}
 
 std::string RecordAsText(const BYTE* record, size_t cb)
 {

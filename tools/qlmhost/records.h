@@ -60,6 +60,11 @@ std::string RecordAsText(const BYTE* record, size_t cb);
 std::string RecordAsJson(const BYTE* record, size_t cb);
 void RecordToJson(JsonWriter& json, const char* key, const BYTE* record, size_t cb);
 
+// One field of the record as text, by its name, with an element index for arrays
+// ("dmxRollWidth[1]"): numbers as the record's text shows them, texts as UTF-8. False for a
+// name the record has no such field or element by, or one beyond its first cb bytes.
+bool RecordFieldText(const BYTE* record, size_t cb, const std::string& name, std::string* text);
+
 // What the record is to this driver: "this driver's current layout", ... "not a record of
 // this driver".
 const char* RecordKindText(const BYTE* record, size_t cb);

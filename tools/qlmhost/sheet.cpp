@@ -1,11 +1,11 @@
-// qlmhost sheet: a property sheet opened through the driver's exports as the common UI opens
-// it, run by a script of a person's actions, and what the caller gets back.
+// The sheet command: a property sheet opened through the driver's exports as the common UI
+// opens it, run by a script of a person's actions, and what the caller gets back.
 #include "commands.h"
 #include "driverlib.h"
 #include "records.h"
 
-#include "platform/host/host.h"
-#include "platform/host/hostsheet.h"
+#include "scriptcase.h"
+#include "sheetrun.h"
 
 #include <cstdio>
 #include <cstring>
@@ -66,74 +66,87 @@ bool ReadScript(const std::string& path, std::string* text)
     return true;
 }
 
-void PrintPages(const host::SheetRun& run, bool json, JsonWriter* writer)
+void PageToJson(JsonWriter& json, const SheetPageReport& page)
 {
-    if (json) {
-        writer->BeginArray("pages");
-        for (const host::SheetPage& page : run.pages) {
-            writer->BeginObject();
-            writer->Number("template", page.templateId);
-            writer->Bool("created", page.created);
-            writer->BeginArray("controls");
-            for (const host::ControlState& c : page.controls) {
-                writer->BeginObject();
-                writer->Number("id", c.id);
-                writer->String("class", c.className);
-                writer->String("kind", c.kind);
-                writer->String("text", c.text);
-                writer->Bool("enabled", c.enabled);
-                writer->Bool("visible", c.visible);
-                writer->Bool("checked", c.checked);
-                if (!c.items.empty()) {
-                    writer->Number("selection", c.selection);
-                    writer->BeginArray("items");
-                    for (const auto& item : c.items) {
-                        writer->BeginObject();
-                        writer->String("text", item.first);
-                        writer->Number("data", item.second);
-                        writer->EndObject();
-                    }
-                    writer->EndArray();
-                }
-                writer->EndObject();
+    json.BeginObject();
+    json.Number("template", page.templateId);
+    json.Bool("created", page.created);
+    json.BeginArray("controls");
+    for (const usersim::ControlState& c : page.controls) {
+        json.BeginObject();
+        json.Number("id", c.id);
+        json.String("class", c.className);
+        json.String("kind", c.kind);
+        json.String("text", c.text);
+        json.Bool("enabled", c.enabled);
+        json.Bool("visible", c.visible);
+        json.Bool("checked", c.checked);
+        if (!c.items.empty()) {
+            json.Number("selection", c.selection);
+            json.BeginArray("items");
+            for (const auto& item : c.items) {
+                json.BeginObject();
+                json.String("text", item.first);
+                json.Number("data", item.second);
+                json.EndObject();
             }
-            writer->EndArray();
-            writer->EndObject();
+            json.EndArray();
         }
-        writer->EndArray();
+        if (c.className == "msctls_updown32" || c.className == "msctls_trackbar32") {
+            json.Number("position", c.position);
+            json.Number("min", c.rangeMin);
+            json.Number("max", c.rangeMax);
+        }
+        json.EndObject();
+    }
+    json.EndArray();
+    json.EndObject();
+}
+
+void PrintPageText(const SheetPageReport& page)
+{
+    if (!page.created) {
+        printf("page %d: never shown\n", page.templateId);
         return;
     }
-    for (const host::SheetPage& page : run.pages) {
-        if (page.created)
-            printf("%s", page.dump.c_str());
-        else
-            printf("page %d: never shown\n", page.templateId);
-    }
+    printf("dialog %d %s\n%s", page.templateId, usersim::QuoteText(page.title).c_str(),
+           usersim::DumpControls(page.controls).c_str());
 }
 
 } // namespace
 
 int SheetCommand(Args& args, const Options& options)
 {
-    const bool device = args.Flag("--device");
+    bool device = args.Flag("--device");
     const bool dump = args.Flag("--dump");
-    std::string modeText, inPath, scriptPath;
-    const bool hasMode = args.Take("--mode", &modeText);
+    std::string modeText, inPath, scriptPath, casePath;
+    bool hasMode = args.Take("--mode", &modeText);
     const bool hasIn = args.Take("--in", &inPath);
     const bool hasScript = args.Take("--script", &scriptPath);
+    const bool hasCase = args.Take("--case", &casePath);
     int rc;
-    if (!Expect(args, "sheet", 1, 1, &rc))
+    if (!Expect(args, "sheet", hasCase ? 0 : 1, 1, &rc))
         return rc;
+    if (hasCase && hasScript)
+        return UsageError(FindCommand("sheet"), "--case brings its own script");
+    std::string script, error;
+    if ((hasScript || hasCase) && !ReadScript(hasCase ? casePath : scriptPath, &script))
+        return Fail("cannot read the script '" + (hasCase ? casePath : scriptPath) + "'");
+    // A case names its printer, sheet and mode; the command line's words come first.
+    ScriptCase scriptCase;
+    if (hasCase) {
+        if (!ParseScriptCase(script, &scriptCase, &error))
+            return Fail(casePath + ": " + error);
+        device = device || scriptCase.device;
+        if (!hasMode && !scriptCase.mode.empty()) {
+            modeText = scriptCase.mode;
+            hasMode = true;
+        }
+    }
     DWORD fMode = DM_IN_PROMPT | DM_IN_BUFFER | DM_OUT_BUFFER;
     if (hasMode && !ParseMode(modeText, &fMode))
         return UsageError(FindCommand("sheet"),
                           "--mode takes a number or DM_ names, not '" + modeText + "'");
-    std::string script, error;
-    if (hasScript && !ReadScript(scriptPath, &script))
-        return Fail("cannot read the script '" + scriptPath + "'");
-    // Behind the answer to the address dialog (--address), which comes before the sheet opens.
-    if (!host::AppendUserScript(script, &error))
-        return Fail(scriptPath + ": " + error);
     std::vector<uint8_t> input;
     if (hasIn && !ReadRecordFile(inPath, &input, &error))
         return Fail(error);
@@ -148,7 +161,7 @@ int SheetCommand(Args& args, const Options& options)
     auto* pfn = driver.Entry<LONG WINAPI(PPROPSHEETUI_INFO, LPARAM)>(entry);
     if (!pfn)
         return Fail(std::string("the driver library has no ") + entry);
-    const std::string& name = args.Rest()[0];
+    const std::string name = args.Rest().empty() ? scriptCase.printer : args.Rest()[0];
     OpenedPrinter printer(name);
     if (!printer.get())
         return Fail("no printer named '" + name + "'");
@@ -173,12 +186,9 @@ int SheetCommand(Args& args, const Options& options)
         document.fMode = fMode;
         lParam = reinterpret_cast<LPARAM>(&document);
     }
-    DWORD result = 0;
-    LONG sheetRc =
-        CommonPropertySheetUIW(nullptr, reinterpret_cast<PFNPROPSHEETUI>(pfn), lParam, &result);
-    host::SheetRun run = host::LastSheetRun();
-    std::vector<std::string> failures = host::UserScriptFailures();
-    host::ClearUserScript();
+    SheetRunReport run;
+    if (!RunSheet(reinterpret_cast<PFNPROPSHEETUI>(pfn), lParam, script, &run, &error))
+        return Fail((hasCase ? casePath : scriptPath) + ": " + error);
     std::string overrun = OverrunMessage(out, "the sheet's output record");
 
     // What the caller receives: the output record, or for the device sheet the queue's record.
@@ -189,36 +199,47 @@ int SheetCommand(Args& args, const Options& options)
     } else if (fMode & (DM_OUT_BUFFER | DM_OUT_DEFAULT)) {
         record.assign(out.data(), out.data() + out.size());
     }
+    const long long result = run.rc < 0 ? run.rc : static_cast<long long>(run.result);
+    if (hasCase) {
+        for (const std::string& f : CheckScriptCase(
+                 scriptCase, result, record.empty() ? nullptr : record.data(), record.size()))
+            run.failures.push_back(casePath + ": " + f);
+    }
 
     if (options.json) {
         JsonWriter json;
         json.BeginObject();
-        json.Number("result", sheetRc < 0 ? sheetRc : static_cast<long long>(result));
+        json.Number("result", result);
         if (record.empty())
             json.Null("record");
         else
             RecordToJson(json, "record", record.data(), record.size());
-        if (dump)
-            PrintPages(run, true, &json);
+        if (dump) {
+            json.BeginArray("pages");
+            for (const SheetPageReport& page : run.pages)
+                PageToJson(json, page);
+            json.EndArray();
+        }
         json.BeginArray("failures");
-        for (const std::string& f : failures)
+        for (const std::string& f : run.failures)
             json.String(nullptr, f);
         json.EndArray();
         json.EndObject();
         printf("%s\n", json.Text().c_str());
     } else {
-        printf("%s: %ld (%s)\n", entry, static_cast<long>(sheetRc),
-               sheetRc < 0          ? "the sheet did not open"
-               : result == CPSUI_OK ? "OK"
-                                    : "Cancel");
+        printf("%s: %ld (%s)\n", entry, static_cast<long>(run.rc),
+               run.rc < 0               ? "the sheet did not open"
+               : run.result == CPSUI_OK ? "OK"
+                                        : "Cancel");
         if (dump)
-            PrintPages(run, false, nullptr);
+            for (const SheetPageReport& page : run.pages)
+                PrintPageText(page);
         if (!record.empty())
             printf("%s", RecordAsText(record.data(), record.size()).c_str());
     }
-    for (const std::string& f : failures)
-        fprintf(stderr, "qlmhost: script %s\n", f.c_str());
+    for (const std::string& f : run.failures)
+        fprintf(stderr, "%s: script %s\n", g_pszToolName, f.c_str());
     if (!overrun.empty())
         return Fail(overrun);
-    return failures.empty() && sheetRc >= 0 ? 0 : 1;
+    return run.failures.empty() && run.rc >= 0 ? 0 : 1;
 }

@@ -1,0 +1,102 @@
+// What every command-line tool of the project shares, on Linux and on Windows alike: options,
+// the words of a command line, the command table's row, errors and usage, text conversions,
+// and a printer opened as an application opens it.
+#pragma once
+
+#include "platform/win32.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+// The tool's name in messages: "qlmhost" or "qlmwin".
+extern const char* const g_pszToolName;
+
+struct Options
+{
+    bool json = false;
+    std::string driverLibrary; // QLMUIDrv.so to load
+    // The answer to the printer address question, when the user gave one.
+    std::optional<std::string> address;
+    std::string addressScript; // the actions that answer the address dialog with it
+};
+
+// The words of one command line after the global options, with its flags picked out.
+class Args
+{
+public:
+    explicit Args(std::vector<std::string> words) : m_words(std::move(words)) {}
+    // Removes "--name VALUE" and returns VALUE; empty optional when absent.
+    bool Take(const std::string& name, std::string* value);
+    // Removes "--name" and says whether it was there.
+    bool Flag(const std::string& name);
+    // The positional words left, in order.
+    const std::vector<std::string>& Rest() const { return m_words; }
+    // An error message when a word that looks like an option is left over.
+    bool Unknown(std::string* message) const;
+
+private:
+    std::vector<std::string> m_words;
+};
+
+struct Command
+{
+    const char* name;  // "printer add"
+    const char* usage; // "NAME --driver DRIVER [--port PORT]"
+    const char* summary;
+    int (*run)(Args& args, const Options& options);
+    const char* details = nullptr; // more for --help, or null
+};
+
+extern const Command g_Commands[];
+extern const size_t g_cCommands;
+
+// Prints "qlmhost: message" to standard error and returns the exit code 1 or 2.
+int Fail(const std::string& message);
+int UsageError(const Command& command, const std::string& message);
+const Command& FindCommand(const char* name);
+// Checks the positional count and that no unknown option is left; prints usage otherwise.
+bool Expect(Args& args, const char* command, size_t minWords, size_t maxWords, int* rc);
+
+// Equal without regard to the case of ASCII letters.
+bool SameWord(const char* a, const char* b);
+
+std::u16string W(const std::string& s);
+std::string U(const std::u16string& s);
+std::string Win32Error(DWORD code);
+
+// A queue opened with OpenPrinterW, as an application opens it; closed on leaving scope.
+class OpenedPrinter
+{
+public:
+    explicit OpenedPrinter(const std::string& name);
+    ~OpenedPrinter();
+    OpenedPrinter(const OpenedPrinter&) = delete;
+    OpenedPrinter& operator=(const OpenedPrinter&) = delete;
+    HANDLE get() const { return m_handle; }
+    // The name as the spooler hands it to the driver.
+    LPWSTR name() { return reinterpret_cast<LPWSTR>(m_name.data()); }
+
+private:
+    std::u16string m_name;
+    HANDLE m_handle = nullptr;
+};
+
+// A parsed number with bounds; false for anything else.
+bool ParseNumber(const std::string& text, long long low, long long high, long long* value);
+
+// The queue's stored record through GetPrinterW level 2, as *info holds it and as a copy in
+// *record (empty when the queue has none); false with *error when the queue cannot be read.
+bool StoredRecord(HANDLE hPrinter, std::vector<BYTE>* info, std::vector<BYTE>* record,
+                  std::string* error);
+
+// The command that words, from start on, name: the longest name they begin with ("printer add"
+// before "printer"). *used is the count of words the name took; null when none matches.
+const Command* MatchCommand(const std::vector<std::string>& words, size_t start, size_t* used);
+
+// Runs each command line of a file, in this process, one after the other: blank lines and
+// lines that start with # are passed over, and words split at blanks, "..." keeping blanks in
+// one word. Prints one line a command: the line, a tab, and what the command printed on one
+// line, or {"error": ...} with its message when it printed nothing and failed. 0 when every
+// command succeeded.
+int RunBatch(const std::string& path, const Options& options);

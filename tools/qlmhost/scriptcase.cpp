@@ -1,0 +1,100 @@
+// Directives of a script case, and the check of an outcome against them.
+#include "scriptcase.h"
+
+#include "records.h"
+
+#include <cstdlib>
+#include <sstream>
+
+namespace {
+
+std::string Trim(const std::string& s)
+{
+    size_t b = s.find_first_not_of(" \t\r");
+    if (b == std::string::npos)
+        return "";
+    return s.substr(b, s.find_last_not_of(" \t\r") - b + 1);
+}
+
+// Splits "WORD REST" after the "#:" mark.
+void SplitDirective(const std::string& line, std::string* word, std::string* rest)
+{
+    std::string text = Trim(line.substr(2));
+    size_t space = text.find_first_of(" \t");
+    *word = text.substr(0, space);
+    *rest = space == std::string::npos ? "" : Trim(text.substr(space + 1));
+}
+
+bool ParseDirective(const std::string& word, const std::string& rest, ScriptCase* c,
+                    std::string* why)
+{
+    if (word == "printer" && !rest.empty()) {
+        c->printer = rest;
+    } else if (word == "sheet" && (rest == "document" || rest == "device")) {
+        c->device = rest == "device";
+    } else if (word == "mode" && !rest.empty()) {
+        c->mode = rest;
+    } else if (word == "result") {
+        char* end = nullptr;
+        long long value = strtoll(rest.c_str(), &end, 10);
+        if (rest.empty() || *end) {
+            *why = "'result' needs a number, not '" + rest + "'";
+            return false;
+        }
+        c->result = value;
+    } else if (word == "record") {
+        size_t space = rest.find_first_of(" \t");
+        if (rest.empty()) {
+            *why = "'record' needs a field and its text";
+            return false;
+        }
+        c->record.emplace_back(rest.substr(0, space),
+                               space == std::string::npos ? "" : Trim(rest.substr(space + 1)));
+    } else if (word == "wine-skip" && !rest.empty()) {
+        c->wineSkip = rest;
+    } else {
+        *why = "unknown directive '#: " + word + (rest.empty() ? "" : " " + rest) + "'";
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool ParseScriptCase(const std::string& script, ScriptCase* scriptCase, std::string* error)
+{
+    std::istringstream lines(script);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        if (line.compare(0, 2, "#:") != 0)
+            continue;
+        std::string word, rest, why;
+        SplitDirective(line, &word, &rest);
+        if (!ParseDirective(word, rest, scriptCase, &why)) {
+            if (error)
+                *error = "line " + std::to_string(number) + ": " + why;
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<std::string> CheckScriptCase(const ScriptCase& scriptCase, long long result,
+                                         const unsigned char* record, size_t cb)
+{
+    std::vector<std::string> failures;
+    if (scriptCase.result && *scriptCase.result != result)
+        failures.push_back("the result is " + std::to_string(result) + ", not " +
+                           std::to_string(*scriptCase.result));
+    for (const auto& [field, want] : scriptCase.record) {
+        std::string have;
+        if (!record) {
+            failures.push_back("no record came back to show " + field);
+        } else if (!RecordFieldText(record, cb, field, &have)) {
+            failures.push_back("the record has no field " + field);
+        } else if (have != want) {
+            failures.push_back(field + " is " + have + ", not " + want);
+        }
+    }
+    return failures;
+}

@@ -1,0 +1,36 @@
+// A script case: a script of a person's actions with directives, comment lines "#: WORD ...",
+// that say which sheet it opens and what must come out. The host's and the Windows runner's
+// sheet commands read the same files, so a case means the same on both platforms.
+//
+//   #: printer NAME       the queue (default "Plan 2440")
+//   #: sheet document     or device (default document)
+//   #: mode FLAGS         the document sheet's fMode, as --mode takes it
+//   #: result N           the sheet's result: 1 OK, 0 Cancel
+//   #: record FIELD TEXT  a field of the record the caller gets, as records are printed;
+//                         FIELD may carry an element index, dmxRollWidth[1]
+//   #: wine-skip REASON   a defect of Wine's, written down in docs/wine.md: not run there
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+struct ScriptCase
+{
+    std::string printer = "Plan 2440";
+    bool device = false;
+    std::string mode; // empty: the runner's default
+    std::optional<long long> result;
+    std::vector<std::pair<std::string, std::string>> record;
+    std::string wineSkip;
+};
+
+// Reads the directives of a script; false with "line N: ..." in *error for one it does not know
+// or cannot read.
+bool ParseScriptCase(const std::string& script, ScriptCase* scriptCase, std::string* error);
+
+// What the outcome breaks of the case's expectations, one message each. record may be null
+// when the caller got none.
+std::vector<std::string> CheckScriptCase(const ScriptCase& scriptCase, long long result,
+                                         const unsigned char* record, size_t cb);
