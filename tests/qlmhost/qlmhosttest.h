@@ -359,7 +359,8 @@ protected:
     // A queue of the 2440 named P.
     void AddPrinter(const std::string& name = "P")
     {
-        Outcome run = Fake({"printer", "add", name, "--driver", "Tarvo Plan Output System 2440"});
+        // The real driver: the spooler stores the new queue's default record from it.
+        Outcome run = Real({"printer", "add", name, "--driver", "Tarvo Plan Output System 2440"});
         ASSERT_EQ(run.rc, 0) << run.err;
     }
     std::string File(const std::string& name) const { return m_dir + "/" + name; }

@@ -162,6 +162,7 @@ int CapsCommand(Args& args, const Options& options)
 {
     std::string devmodePath;
     bool withDevmode = args.Take("--devmode", &devmodePath);
+    const bool app = args.Flag("--app");
     int rc;
     if (!Expect(args, "caps", 2, 2, &rc))
         return rc;
@@ -208,6 +209,12 @@ int CapsCommand(Args& args, const Options& options)
 
     // The answer is a DWORD that carries -1 for "not supported".
     auto ask = [&](void* output) {
+#ifdef _WIN32
+        // The application's way: the spooler's DeviceCapabilitiesW loads the driver itself.
+        if (app)
+            return static_cast<int32_t>(DeviceCapabilitiesW(printer.name(), nullptr, index,
+                                                            static_cast<LPWSTR>(output), pDevMode));
+#endif
         return static_cast<int32_t>(
             deviceCapabilities(printer.get(), printer.name(), index, output, pDevMode));
     };
@@ -309,3 +316,31 @@ int CapsCommand(Args& args, const Options& options)
         Fail(problem);
     return problems.empty() ? 0 : 1;
 }
+
+extern const Command g_CapsCommand = {
+    "caps", "PRINTER INDEX [--devmode FILE] [--app] [--json]",
+    "Asks the driver's DrvDeviceCapabilities as an application does, and decodes the output.",
+    CapsCommand,
+    "--app asks as an application does, through the spooler's DeviceCapabilitiesW where\n"
+    "  there is one (Windows); the host answers it as Windows documents it, through the export\n"
+    "  with the queue's handle.\n  "
+    "INDEX is a number (decimal or 0x hex) or a name, without regard to case and with or\n"
+    "  without DC_: FIELDS PAPERS PAPERSIZE MINEXTENT MAXEXTENT BINS DUPLEX SIZE EXTRA\n"
+    "  VERSION DRIVER BINNAMES ENUMRESOLUTIONS FILEDEPENDENCIES TRUETYPE PAPERNAMES\n"
+    "  ORIENTATION COPIES BINADJUST EMF_COMPLIANT DATATYPE_PRODUCED COLLATE MANUFACTURER\n"
+    "  MODEL PERSONALITY PRINTRATE PRINTRATEUNIT PRINTERMEM MEDIAREADY STAPLE PRINTRATEPPM\n"
+    "  COLORDEVICE NUP MEDIATYPENAMES MEDIATYPES, and AutoCAD's IDSYSPRN (20552) and MMINCH\n"
+    "  (20553).\n"
+    "  For a list index the driver is asked first without a buffer for the count, then with a\n"
+    "  buffer of exactly that many elements; writing past its end is reported as an error.\n"
+    "  Outputs: WORD codes (PAPERS, BINS), POINTs (PAPERSIZE), LONG pairs (ENUMRESOLUTIONS),\n"
+    "  names of 64 characters (PAPERNAMES, FILEDEPENDENCIES, MEDIAREADY, MEDIATYPENAMES), of\n"
+    "  24 (BINNAMES) and of 32 (PERSONALITY), DWORDs (NUP, MEDIATYPES), and the 34-byte text\n"
+    "  of IDSYSPRN, asked with its buffer at once. MINEXTENT and MAXEXTENT answer width (low\n"
+    "  16 bits) and length (high 16 bits), tenths of a millimetre. An answer of -1 means not\n"
+    "  supported.\n"
+    "  --devmode FILE passes a record file as pDevMode (zeros behind a shorter record, since\n"
+    "  the driver reads a record of its own size); otherwise pDevMode is NULL.\n"
+    "  --json prints {\"index\", \"name\", \"result\", \"output\"} (\"output\" absent when "
+    "nothing\n"
+    "  is written; extents add \"width\" and \"length\")."};

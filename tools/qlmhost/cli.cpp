@@ -312,3 +312,17 @@ int RunBatch(const std::string& path, const Options& options)
     }
     return failed ? 1 : 0;
 }
+
+int BatchCommand(Args& args, const Options& options)
+{
+    int rc;
+    if (!Expect(args, "batch", 1, 1, &rc))
+        return rc;
+    return RunBatch(args.Rest()[0], options);
+}
+
+extern const Command g_BatchCommand = {
+    "batch", "FILE", "Runs the command lines of FILE in this process, one answer line each.",
+    BatchCommand,
+    "Blank lines and lines that start with # are passed over. Each command prints one line:\n"
+    "  the command line, a tab, and its output (--json gives JSON) or {\"error\": ...}."};

@@ -48,8 +48,17 @@ struct Command
     const char* details = nullptr; // more for --help, or null
 };
 
+// The tool's command table.
 extern const Command g_Commands[];
 extern const size_t g_cCommands;
+// Rows that both tools' tables hold.
+extern const Command g_CapsCommand;
+extern const Command g_DevmodeDefaultCommand;
+extern const Command g_DevmodeShowCommand;
+extern const Command g_DevmodeConvertCommand;
+extern const Command g_SheetCommand;
+extern const Command g_BatchCommand;
+int BatchCommand(Args& args, const Options& options);
 
 // Prints "qlmhost: message" to standard error and returns the exit code 1 or 2.
 int Fail(const std::string& message);

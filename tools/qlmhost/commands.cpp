@@ -159,7 +159,10 @@ bool InstallResources(const std::string& source, std::string* error)
         *error = source + " is not a PE file, so not a resource library";
         return false;
     }
-    return host::InstallDriverFile(source, kResourceFile, 3, error);
+    if (!host::InstallDriverFile(source, kResourceFile, 3, error))
+        return false;
+    // Beside it the driver library's file, which tells its version, as on Windows.
+    return host::InstallDriverFile(QLM_DRIVER_IMAGE, u"QLMUIDrv.DLL", 3, error);
 }
 
 std::string InstalledResourcesName()
@@ -184,7 +187,7 @@ int DriverInstall(Args& args, const Options&)
 
 // ---- printer ------------------------------------------------------------------------------
 
-int PrinterAdd(Args& args, const Options&)
+int PrinterAdd(Args& args, const Options& options)
 {
     host::PrinterRecord printer;
     std::string driver, port;
@@ -215,6 +218,11 @@ int PrinterAdd(Args& args, const Options&)
                     "installed: %s (see qlmhost driver install)\n",
                     error.c_str());
     }
+    // As Windows' spooler gives a new queue its driver's default record.
+    std::string error;
+    if (!StoreSpoolerDefault(options, args.Rest()[0], &error))
+        fprintf(stderr, "qlmhost: warning: the queue has no stored record yet: %s\n",
+                error.c_str());
     return 0;
 }
 
@@ -518,14 +526,6 @@ int DriverAnswers(Args& args, const Options& options)
 
 } // namespace
 
-int BatchCommand(Args& args, const Options& options)
-{
-    int rc;
-    if (!Expect(args, "batch", 1, 1, &rc))
-        return rc;
-    return RunBatch(args.Rest()[0], options);
-}
-
 const Command g_Commands[] = {
     {"printer add", "NAME --driver DRIVER [--port PORT]",
      "Adds a queue of the driver; installs the driver's resources when they are missing.",
@@ -550,29 +550,7 @@ const Command g_Commands[] = {
      "Installs the resource library QLMRes.DLL where the driver loads it from.", DriverInstall,
      "The file goes to <printer driver directory>\\3\\QLMRes.DLL under the home directory.\n"
      "  FILE defaults to $QLMHOST_RESOURCES, else to the QLMRes.DLL of this build."},
-    {"caps", "PRINTER INDEX [--devmode FILE] [--json]",
-     "Asks the driver's DrvDeviceCapabilities as an application does, and decodes the output.",
-     CapsCommand,
-     "INDEX is a number (decimal or 0x hex) or a name, without regard to case and with or\n"
-     "  without DC_: FIELDS PAPERS PAPERSIZE MINEXTENT MAXEXTENT BINS DUPLEX SIZE EXTRA\n"
-     "  VERSION DRIVER BINNAMES ENUMRESOLUTIONS FILEDEPENDENCIES TRUETYPE PAPERNAMES\n"
-     "  ORIENTATION COPIES BINADJUST EMF_COMPLIANT DATATYPE_PRODUCED COLLATE MANUFACTURER\n"
-     "  MODEL PERSONALITY PRINTRATE PRINTRATEUNIT PRINTERMEM MEDIAREADY STAPLE PRINTRATEPPM\n"
-     "  COLORDEVICE NUP MEDIATYPENAMES MEDIATYPES, and AutoCAD's IDSYSPRN (20552) and MMINCH\n"
-     "  (20553).\n"
-     "  For a list index the driver is asked first without a buffer for the count, then with a\n"
-     "  buffer of exactly that many elements; writing past its end is reported as an error.\n"
-     "  Outputs: WORD codes (PAPERS, BINS), POINTs (PAPERSIZE), LONG pairs (ENUMRESOLUTIONS),\n"
-     "  names of 64 characters (PAPERNAMES, FILEDEPENDENCIES, MEDIAREADY, MEDIATYPENAMES), of\n"
-     "  24 (BINNAMES) and of 32 (PERSONALITY), DWORDs (NUP, MEDIATYPES), and the 34-byte text\n"
-     "  of IDSYSPRN, asked with its buffer at once. MINEXTENT and MAXEXTENT answer width (low\n"
-     "  16 bits) and length (high 16 bits), tenths of a millimetre. An answer of -1 means not\n"
-     "  supported.\n"
-     "  --devmode FILE passes a record file as pDevMode (zeros behind a shorter record, since\n"
-     "  the driver reads a record of its own size); otherwise pDevMode is NULL.\n"
-     "  --json prints {\"index\", \"name\", \"result\", \"output\"} (\"output\" absent when "
-     "nothing\n"
-     "  is written; extents add \"width\" and \"length\")."},
+    g_CapsCommand,
     {"event", "PRINTER initialize|delete|delete-connection|NUMBER [--no-ui] [--json]",
      "Tells the driver of a queue's life as the spooler does (DrvPrinterEvent).", EventCommand,
      "initialize fills the queue's stored record from its printer (over the port's address,\n"
@@ -596,58 +574,18 @@ const Command g_Commands[] = {
     {"printer state", "PRINTER [--json]",
      "Shows what the queue's record holds of its printer: rolls, firmware, fonts, finisher.",
      PrinterStateCommand},
-    {"sheet",
-     "PRINTER [--device] [--mode FLAGS] [--in FILE] [--script FILE] [--dump] [--json]\n"
-     "                   | --case FILE [--dump] [--json]",
-     "Opens a property sheet as the common UI does and runs a script of a person's actions.",
-     SheetCommand,
-     "The document sheet (DrvDocumentPropertySheets) with fMode DM_IN_PROMPT | DM_IN_BUFFER |\n"
-     "  DM_OUT_BUFFER unless --mode gives a number or DM_ names joined by |; --device opens the\n"
-     "  device sheet (DrvDevicePropertySheets). --in passes a record file as pdmIn. The script\n"
-     "  (a file, or - for standard input) has one action a line, # starts a comment:\n"
-     "    tab ID | click ID | check ID | uncheck ID | select ID DATA | select-text ID TEXT\n"
-     "    type ID TEXT | key ID CHAR | spin ID DELTA | slide ID POS | menu COMMAND\n"
-     "    answer yes|no|ok|cancel|retry|ignore | file PATH | file cancel | ok | cancel | apply\n"
-     "    expect ID enabled|disabled|checked|unchecked|text TEXT|data DATA\n"
-     "  A dialog opened by an action takes the actions that follow until it ends. Without\n"
-     "  actions left the sheet ends as Cancel. Prints the result and the record the caller\n"
-     "  gets (the queue's stored record for --device); --dump adds each page's controls.\n"
-     "  Exit 1 when a script line fails (its line number is named on standard error).\n"
-     "  --case runs a script case: its lines \"#: printer NAME\", \"#: sheet device\",\n"
-     "  \"#: mode FLAGS\" choose the sheet, and \"#: result N\", \"#: record FIELD TEXT\" say\n"
-     "  what must come out; what does not is a failure."},
-    {"batch", "FILE", "Runs the command lines of FILE in this process, one answer line each.",
-     BatchCommand,
-     "Blank lines and lines that start with # are passed over. Each command prints one line:\n"
-     "  the command line, a tab, and its output (--json gives JSON) or {\"error\": ...}."},
+    g_SheetCommand,
+    g_BatchCommand,
     {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
      DevmodeLayout},
     {"devmode new", "PRINTER [--json]",
      "Shows the record a fresh settings object holds for the queue: the defaults, the port test.",
      DevmodeNew},
-    {"devmode show", "PRINTER [--json]",
-     "Shows the queue's stored record (GetPrinter level 2) field by field.", DevmodeShow},
+    g_DevmodeShowCommand,
     {"devmode store", "PRINTER FILE",
      "Stores a record file as the queue's record (SetPrinter level 2).", DevmodeStore},
     {"devmode read", "FILE [--json]", "Shows a record file field by field.", DevmodeRead},
-    {"devmode default", "PRINTER [--out FILE] [--json]",
-     "Shows the default record the driver's DrvDocumentProperties gives (DM_OUT_BUFFER).",
-     DevmodeDefault,
-     "The driver is asked for the size first (fMode 0), which must be 13484, then for the\n"
-     "  record into a buffer of that size. --out writes the record's bytes to FILE."},
-    {"devmode convert",
-     "PRINTER --mode convert|convert351|default [--in FILE] [--out-size N] [--out FILE] [--json]",
-     "Calls the driver's DrvConvertDevMode as the spooler does.", DevmodeConvert,
-     "--mode gives fMode: convert (CDM_CONVERT 1), convert351 (CDM_CONVERT351 2), default\n"
-     "  (CDM_DRIVER_DEFAULT 4), or any number. --in FILE is pdmIn (NULL without it).\n"
-     "  --out-size N is the output buffer's size and *pcbNeeded on the way in: 13484 by\n"
-     "  default, 188 for convert351; 0 passes a NULL pdmOut. The buffer is shaped as a record\n"
-     "  of its size, since the conversion fits the input into the output's shape: it holds the\n"
-     "  driver's default record (DrvDocumentProperties) cut to N bytes, declaring dmSize 220\n"
-     "  and dmDriverExtra 13264 when N is 13484 or more, dmSize 220 and dmDriverExtra N - 220\n"
-     "  below that (3252 is the older layout), and dmSize N and no private part when N is 220\n"
-     "  or less. Shown: the BOOL result, *pcbNeeded, the last error (set to 0 before the call;\n"
-     "  after TRUE it is whatever the driver's own calls left) and, when the result is TRUE,\n"
-     "  the output record (\"record\" in --json). --out writes the record's bytes to FILE."},
+    g_DevmodeDefaultCommand,
+    g_DevmodeConvertCommand,
 };
 const size_t g_cCommands = sizeof(g_Commands) / sizeof(g_Commands[0]);

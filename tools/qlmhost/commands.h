@@ -4,6 +4,11 @@
 
 #include "cli.h"
 
+// What Windows' spooler does for a new queue: the driver's default record
+// (DrvConvertDevMode, CDM_DRIVER_DEFAULT) stored as the queue's.
+bool StoreSpoolerDefault(const Options& options, const std::string& printerName,
+                         std::string* error);
+
 // The commands of the other units.
 int CapsCommand(Args& args, const Options& options);
 int EventCommand(Args& args, const Options& options);

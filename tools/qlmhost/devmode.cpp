@@ -46,14 +46,26 @@ void PrintRecord(const BYTE* record, size_t cb, bool json)
 // DrvDocumentProperties as an application's DocumentPropertiesW calls it: fMode 0 for the
 // size, then DM_OUT_BUFFER into a buffer of that size. Problems that leave a record go to
 // *problems; false when there is no record at all.
-bool DriverDefault(const DriverLibrary& driver, OpenedPrinter& printer, std::vector<BYTE>* record,
+bool DriverDefault(const DriverLibrary& driver, OpenedPrinter& printer, bool app,
+                   const std::vector<uint8_t>& input, std::vector<BYTE>* record,
                    std::vector<std::string>* problems, std::string* error)
 {
-    auto* documentProperties = driver.Entry<DocumentPropertiesFn>("DrvDocumentProperties");
-    if (!documentProperties) {
+    auto* export_ = driver.Entry<DocumentPropertiesFn>("DrvDocumentProperties");
+    if (!export_) {
         *error = "the driver library does not export DrvDocumentProperties";
         return false;
     }
+    auto documentProperties = [&](HWND hwnd, HANDLE hPrinter, LPWSTR name, PDEVMODEW out,
+                                  PDEVMODEW in, DWORD fMode) -> LONG {
+#ifdef _WIN32
+        // The application's way: the spooler's DocumentPropertiesW loads the driver itself.
+        if (app)
+            return DocumentPropertiesW(hwnd, hPrinter, name, out, in, fMode);
+#endif
+        return export_(hwnd, hPrinter, name, out, in, fMode);
+    };
+    PDEVMODEW pdmIn =
+        input.empty() ? nullptr : reinterpret_cast<PDEVMODEW>(const_cast<uint8_t*>(input.data()));
     LONG size = documentProperties(nullptr, printer.get(), printer.name(), nullptr, nullptr, 0);
     if (size <= 0 || size > kMaxBuffer) {
         *error = "DrvDocumentProperties with fMode 0 answered " + std::to_string(size) +
@@ -64,9 +76,9 @@ bool DriverDefault(const DriverLibrary& driver, OpenedPrinter& printer, std::vec
         problems->push_back("DrvDocumentProperties with fMode 0 answered " + std::to_string(size) +
                             " for the record's size, not " + std::to_string(sizeof(DEVMODEEX)));
     GuardedBuffer buffer{size_t(size)};
-    LONG result =
-        documentProperties(nullptr, printer.get(), printer.name(),
-                           reinterpret_cast<PDEVMODEW>(buffer.data()), nullptr, DM_OUT_BUFFER);
+    LONG result = documentProperties(nullptr, printer.get(), printer.name(),
+                                     reinterpret_cast<PDEVMODEW>(buffer.data()), pdmIn,
+                                     pdmIn ? DM_IN_BUFFER | DM_OUT_BUFFER : DM_OUT_BUFFER);
     std::string overrun = OverrunMessage(buffer, "DrvDocumentProperties");
     if (!overrun.empty())
         problems->push_back(overrun);
@@ -224,8 +236,10 @@ int DevmodeNew(Args& args, const Options& options)
 
 int DevmodeDefault(Args& args, const Options& options)
 {
-    std::string outPath;
+    std::string outPath, inPath;
     bool toFile = args.Take("--out", &outPath);
+    const bool app = args.Flag("--app");
+    const bool hasIn = args.Take("--in", &inPath);
     int rc;
     if (!Expect(args, "devmode default", 1, 1, &rc))
         return rc;
@@ -236,9 +250,15 @@ int DevmodeDefault(Args& args, const Options& options)
     std::string error;
     if (!driver.Load(options.driverLibrary, &error))
         return Fail(error);
+    std::vector<uint8_t> input;
+    if (hasIn && !ReadRecordFile(inPath, &input, &error))
+        return Fail(error);
+    // The driver reads a record of its own size: a shorter one goes with zeros behind it.
+    if (!input.empty() && input.size() < sizeof(DEVMODEEX))
+        input.resize(sizeof(DEVMODEEX), 0);
     std::vector<BYTE> record;
     std::vector<std::string> problems;
-    if (!DriverDefault(driver, printer, &record, &problems, &error)) {
+    if (!DriverDefault(driver, printer, app, input, &record, &problems, &error)) {
         ReportProblems(problems);
         return Fail(error);
     }
@@ -306,7 +326,7 @@ int DevmodeConvert(Args& args, const Options& options)
     if (outSize > 0) {
         std::vector<BYTE> defaults;
         std::vector<std::string> ignored;
-        if (!DriverDefault(driver, printer, &defaults, &ignored, &error)) {
+        if (!DriverDefault(driver, printer, false, {}, &defaults, &ignored, &error)) {
             fprintf(stderr,
                     "qlmhost: note: no default record to shape the output buffer (%s); "
                     "it holds the record's identity fields only\n",
@@ -400,3 +420,66 @@ int DevmodeStore(Args& args, const Options& options)
            DeclaredRecordSize(record.data(), record.size()), args.Rest()[0].c_str());
     return 0;
 }
+
+// As Windows' spooler makes a new queue's record: DrvConvertDevMode with CDM_DRIVER_DEFAULT.
+bool StoreSpoolerDefault(const Options& options, const std::string& printerName, std::string* error)
+{
+    OpenedPrinter printer(printerName);
+    if (!printer.get()) {
+        *error = "no printer named '" + printerName + "'";
+        return false;
+    }
+    DriverLibrary driver;
+    if (!driver.Load(options.driverLibrary, error))
+        return false;
+    auto* convert = driver.Entry<ConvertDevModeFn>("DrvConvertDevMode");
+    if (!convert) {
+        *error = options.driverLibrary + " does not export DrvConvertDevMode";
+        return false;
+    }
+    std::vector<BYTE> record(sizeof(DEVMODEEX), 0), info, stored;
+    LONG cb = LONG(record.size());
+    if (!convert(printer.name(), nullptr, reinterpret_cast<PDEVMODEW>(record.data()), &cb,
+                 CDM_DRIVER_DEFAULT)) {
+        *error = "DrvConvertDevMode(CDM_DRIVER_DEFAULT) failed: " + Win32Error(GetLastError());
+        return false;
+    }
+    if (!StoredRecord(printer.get(), &info, &stored, error))
+        return false;
+    auto* pi = reinterpret_cast<PRINTER_INFO_2W*>(info.data());
+    pi->pDevMode = reinterpret_cast<PDEVMODEW>(record.data());
+    if (!SetPrinterW(printer.get(), 2, info.data(), 0)) {
+        *error = "SetPrinter: " + Win32Error(GetLastError());
+        return false;
+    }
+    return true;
+}
+
+extern const Command g_DevmodeDefaultCommand = {
+    "devmode default", "PRINTER [--in FILE] [--app] [--out FILE] [--json]",
+    "Shows the default record the driver's DrvDocumentProperties gives (DM_OUT_BUFFER).",
+    DevmodeDefault,
+    "The driver is asked for the size first (fMode 0), which must be 13484, then for the\n"
+    "  record into a buffer of that size. --out writes the record's bytes to FILE.\n"
+    "  --in merges a record file (DM_IN_BUFFER | DM_OUT_BUFFER); --app asks through the\n"
+    "  spooler's DocumentPropertiesW where there is one (Windows)."};
+
+extern const Command g_DevmodeShowCommand = {
+    "devmode show", "PRINTER [--json]",
+    "Shows the queue's stored record (GetPrinter level 2) field by field.", DevmodeShow};
+
+extern const Command g_DevmodeConvertCommand = {
+    "devmode convert",
+    "PRINTER --mode convert|convert351|default [--in FILE] [--out-size N] [--out FILE] [--json]",
+    "Calls the driver's DrvConvertDevMode as the spooler does.", DevmodeConvert,
+    "--mode gives fMode: convert (CDM_CONVERT 1), convert351 (CDM_CONVERT351 2), default\n"
+    "  (CDM_DRIVER_DEFAULT 4), or any number. --in FILE is pdmIn (NULL without it).\n"
+    "  --out-size N is the output buffer's size and *pcbNeeded on the way in: 13484 by\n"
+    "  default, 188 for convert351; 0 passes a NULL pdmOut. The buffer is shaped as a record\n"
+    "  of its size, since the conversion fits the input into the output's shape: it holds the\n"
+    "  driver's default record (DrvDocumentProperties) cut to N bytes, declaring dmSize 220\n"
+    "  and dmDriverExtra 13264 when N is 13484 or more, dmSize 220 and dmDriverExtra N - 220\n"
+    "  below that (3252 is the older layout), and dmSize N and no private part when N is 220\n"
+    "  or less. Shown: the BOOL result, *pcbNeeded, the last error (set to 0 before the call;\n"
+    "  after TRUE it is whatever the driver's own calls left) and, when the result is TRUE,\n"
+    "  the output record (\"record\" in --json). --out writes the record's bytes to FILE."};

@@ -243,3 +243,25 @@ int SheetCommand(Args& args, const Options& options)
         return Fail(overrun);
     return run.failures.empty() && run.rc >= 0 ? 0 : 1;
 }
+
+extern const Command g_SheetCommand = {
+    "sheet",
+    "PRINTER [--device] [--mode FLAGS] [--in FILE] [--script FILE] [--dump] [--json]\n"
+    "                   | --case FILE [--dump] [--json]",
+    "Opens a property sheet as the common UI does and runs a script of a person's actions.",
+    SheetCommand,
+    "The document sheet (DrvDocumentPropertySheets) with fMode DM_IN_PROMPT | DM_IN_BUFFER |\n"
+    "  DM_OUT_BUFFER unless --mode gives a number or DM_ names joined by |; --device opens the\n"
+    "  device sheet (DrvDevicePropertySheets). --in passes a record file as pdmIn. The script\n"
+    "  (a file, or - for standard input) has one action a line, # starts a comment:\n"
+    "    tab ID | click ID | check ID | uncheck ID | select ID DATA | select-text ID TEXT\n"
+    "    type ID TEXT | key ID CHAR | spin ID DELTA | slide ID POS | menu COMMAND\n"
+    "    answer yes|no|ok|cancel|retry|ignore | file PATH | file cancel | ok | cancel | apply\n"
+    "    expect ID enabled|disabled|checked|unchecked|text TEXT|data DATA\n"
+    "  A dialog opened by an action takes the actions that follow until it ends. Without\n"
+    "  actions left the sheet ends as Cancel. Prints the result and the record the caller\n"
+    "  gets (the queue's stored record for --device); --dump adds each page's controls.\n"
+    "  Exit 1 when a script line fails (its line number is named on standard error).\n"
+    "  --case runs a script case: its lines \"#: printer NAME\", \"#: sheet device\",\n"
+    "  \"#: mode FLAGS\" choose the sheet, and \"#: result N\", \"#: record FIELD TEXT\" say\n"
+    "  what must come out; what does not is a failure."};
