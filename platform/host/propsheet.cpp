@@ -335,7 +335,12 @@ LONG Sheet::Run(HWND hWndOwner, LPDWORD pResult)
                 ResetAll();
                 open = false;
             } else if (action.verb == "apply") {
-                ApplyAll(false);
+                // Apply is lit only once a page has reported a change.
+                if (m_changed.empty())
+                    host::RecordUserScriptFailure(action,
+                                                  "the window has no apply button to press");
+                else
+                    ApplyAll(false);
             } else if (action.verb == "tab") {
                 size_t index = IndexOfTemplate(action.id);
                 if (index == SIZE_MAX)

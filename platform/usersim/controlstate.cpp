@@ -120,7 +120,8 @@ std::vector<ControlState> DescribeControls(HWND window)
         s.className = ClassName(c);
         s.text = WindowText(c);
         s.enabled = IsWindowEnabled(c) != FALSE;
-        s.visible = IsWindowVisible(c) != FALSE;
+        // The control's own state: whether its dialog is on screen is the dialog's business.
+        s.visible = (GetWindowLongW(c, GWL_STYLE) & WS_VISIBLE) != 0;
         DWORD style = DWORD(GetWindowLongW(c, GWL_STYLE));
         if (s.className == "Button") {
             DescribeButton(c, style, &s);

@@ -192,9 +192,11 @@ TEST_F(Sheets, TheDocumentSheetsResultReachesTheCallersRecordOnlyOnOK)
     EXPECT_EQ(DWORD(CPSUI_CANCEL), early.result);
     EXPECT_EQ(3, AsRecord(early.out).dmPublic.dmCopies);
 
+    // Apply stays unlit until a page reports a change, so a person cannot press it.
     Outcome applied = Document(printer, kPrompt, "apply\ncancel\n", in);
-    EXPECT_EQ(DWORD(CPSUI_OK), applied.result) << "an applied sheet reports OK";
-    EXPECT_EQ(3, AsRecord(applied.out).dmPublic.dmCopies);
+    EXPECT_EQ(DWORD(CPSUI_CANCEL), applied.result);
+    ASSERT_EQ(1u, applied.failures.size());
+    EXPECT_NE(std::string::npos, applied.failures[0].find("no apply button"));
 
     // Without an output flag nothing is written, whatever the user does.
     Outcome noOutput = Document(printer, DM_IN_PROMPT | DM_IN_BUFFER, "ok\n", in);

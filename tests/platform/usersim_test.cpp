@@ -440,24 +440,24 @@ TEST_F(UserSimTest, DumpShowsEveryControl)
     CheckDlgButton(dialog, IDC_PORTRAIT, BST_CHECKED);
     SendDlgItemMessageW(dialog, IDC_PAPER, CB_SETCURSEL, 1, 0);
     EXPECT_EQ("dialog 100 \"All controls\"\n"
-              "  1012 Static text \"&Name:\" enabled hidden\n"
-              "  1001 Edit edit \"Say \\\"hi\\\"\" enabled hidden\n"
-              "  1002 Edit edit \"1\" enabled hidden\n"
-              "  1003 msctls_updown32 vertical \"\" enabled hidden position 1 range 1..99\n"
-              "  1004 ComboBox dropdownlist \"A3\" enabled hidden selection 1: \"A4\"=274, "
+              "  1012 Static text \"&Name:\" enabled visible\n"
+              "  1001 Edit edit \"Say \\\"hi\\\"\" enabled visible\n"
+              "  1002 Edit edit \"1\" enabled visible\n"
+              "  1003 msctls_updown32 vertical \"\" enabled visible position 1 range 1..99\n"
+              "  1004 ComboBox dropdownlist \"A3\" enabled visible selection 1: \"A4\"=274, "
               "*\"A3\"=273, \"A0\"=270\n"
-              "  1005 ComboBox dropdown \"\" enabled hidden selection none: (empty)\n"
-              "  1006 ListBox single \"\" enabled hidden selection none: (empty)\n"
-              "  1007 Button checkbox \"&Collate\" enabled hidden unchecked\n"
-              "  1008 Button groupbox \"Orientation\" enabled hidden\n"
-              "  1009 Button radio \"&Portrait\" enabled hidden checked\n"
-              "  1010 Button radio \"&Landscape\" enabled hidden unchecked\n"
-              "  1011 msctls_trackbar32 horizontal \"\" enabled hidden position 0 range 0..100\n"
-              "  1013 Static icon \"\" enabled hidden\n"
-              "  1014 Button push \"&Test\" enabled hidden\n"
-              "  1015 Edit edit \"\" enabled hidden\n"
-              "  1 Button defpush \"OK\" enabled hidden\n"
-              "  2 Button push \"Cancel\" enabled hidden\n",
+              "  1005 ComboBox dropdown \"\" enabled visible selection none: (empty)\n"
+              "  1006 ListBox single \"\" enabled visible selection none: (empty)\n"
+              "  1007 Button checkbox \"&Collate\" enabled visible unchecked\n"
+              "  1008 Button groupbox \"Orientation\" enabled visible\n"
+              "  1009 Button radio \"&Portrait\" enabled visible checked\n"
+              "  1010 Button radio \"&Landscape\" enabled visible unchecked\n"
+              "  1011 msctls_trackbar32 horizontal \"\" enabled visible position 0 range 0..100\n"
+              "  1013 Static icon \"\" enabled visible\n"
+              "  1014 Button push \"&Test\" enabled visible\n"
+              "  1015 Edit edit \"\" enabled visible\n"
+              "  1 Button defpush \"OK\" enabled visible\n"
+              "  2 Button push \"Cancel\" enabled visible\n",
               host::DumpWindow(dialog));
     DestroyWindow(dialog);
 }
