@@ -1,0 +1,107 @@
+// qlmwin: the driver's host on Windows. It installs the driver from its INF and plays the
+// spooler, the common printer UI, an application and a person, with the commands and the
+// printed answers of qlmhost, so that the two platforms' answers compare line by line.
+#include "commands.h"
+#include "install.h"
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+const char* const g_pszToolName = "qlmwin";
+
+const Command g_Commands[] = {
+    {"install", "--inf FILE [--queues FILE]",
+     "Installs the driver from its INF and creates the queues of a list.", InstallCommand,
+     "The INF's models and files are read through setupapi; the driver is added with\n"
+     "  AddPrinterDriverExW level 3 from the INF's folder, once for each model name. --queues\n"
+     "  names a list of queues, one a line: NAME, a tab, the model's driver name, and\n"
+     "  optionally a tab and a port (LPT1: by default)."},
+    {"port add", "NAME", "Adds a network port: one of the TCP/IP monitor's, as the driver sees it.",
+     PortAddCommand,
+     "Registers qlmnetmon.dll (beside qlmwin.exe) as the port monitor TCPMON.DLL when it is not\n"
+     "  yet, and adds the port under it."},
+    g_CapsCommand,
+    g_DevmodeDefaultCommand,
+    g_DevmodeShowCommand,
+    g_DevmodeConvertCommand,
+    g_SheetCommand,
+    g_BatchCommand,
+};
+const size_t g_cCommands = sizeof(g_Commands) / sizeof(g_Commands[0]);
+
+namespace {
+
+void PrintHelp()
+{
+    printf("usage: qlmwin [--driver-lib PATH] COMMAND ... [--json]\n\n"
+           "The driver library is the installed QLMUIDrv.dll unless --driver-lib names one.\n\n"
+           "commands:\n");
+    for (size_t i = 0; i < g_cCommands; i++)
+        printf("  %-14s %s\n  %-14s   %s\n", g_Commands[i].name, g_Commands[i].usage, "",
+               g_Commands[i].summary);
+}
+
+int GlobalUsageError(const std::string& message)
+{
+    fprintf(stderr, "qlmwin: %s (see qlmwin --help)\n", message.c_str());
+    return 2;
+}
+
+bool IsHelp(const std::string& word)
+{
+    return word == "--help" || word == "-h" || word == "help";
+}
+
+// The configuration file the spooler loads: ...\spool\drivers\x64\3\QLMUIDrv.dll.
+std::string InstalledDriverLibrary()
+{
+    WCHAR directory[MAX_PATH] = {};
+    DWORD cb = 0;
+    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(directory),
+                                    sizeof(directory), &cb))
+        return "QLMUIDrv.dll";
+    return U(reinterpret_cast<const char16_t*>(directory)) + "\\3\\QLMUIDrv.dll";
+}
+
+std::string Narrow(const wchar_t* text)
+{
+    return U(std::u16string(reinterpret_cast<const char16_t*>(text)));
+}
+
+} // namespace
+
+int wmain(int argc, wchar_t** argv)
+{
+    std::vector<std::string> words;
+    for (int i = 1; i < argc; ++i)
+        words.push_back(Narrow(argv[i]));
+    Options options;
+    size_t i = 0;
+    for (; i < words.size() && words[i].rfind("--", 0) == 0 && !IsHelp(words[i]); i++) {
+        if (words[i] == "--driver-lib" && i + 1 < words.size())
+            options.driverLibrary = words[++i];
+        else
+            return GlobalUsageError("unknown global option " + words[i]);
+    }
+    if (i == words.size() || IsHelp(words[i])) {
+        PrintHelp();
+        return i == words.size() ? 2 : 0;
+    }
+    if (options.driverLibrary.empty())
+        options.driverLibrary = InstalledDriverLibrary();
+    size_t used = 0;
+    const Command* command = MatchCommand(words, i, &used);
+    if (!command)
+        return GlobalUsageError("unknown command '" + words[i] + "'");
+    Args args(std::vector<std::string>(words.begin() + i + used, words.end()));
+    if (args.Flag("--help") || args.Flag("-h")) {
+        printf("usage: qlmwin %s %s\n  %s\n", command->name, command->usage, command->summary);
+        if (command->details)
+            printf("  %s\n", command->details);
+        return 0;
+    }
+    options.json = args.Flag("--json");
+    return command->run(args, options);
+}
