@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the Linux host and runs every test, then the whole suite again under the address and
-# undefined-behaviour sanitizers.
+# Every test of both platforms: the host suites, then the whole suite again under the address
+# and undefined-behaviour sanitizers, then the Windows cross build with its export check, and
+# last the Windows build run under Wine and compared with the host (scripts/test-wine.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
@@ -12,3 +13,8 @@ for preset in host host-asan; do
   cmake --build --preset "$preset" -j "$jobs"
   ctest --preset "$preset" -j "$jobs"
 done
+
+echo "== win64"
+bash scripts/build-win64.sh
+echo "== wine"
+bash scripts/test-wine.sh

@@ -1,0 +1,130 @@
+#!/usr/bin/env bash
+# Runs the Windows build under Wine and holds it against the Linux host: installs the driver
+# package into a fresh Wine prefix, asks both platforms the same questions (capabilities,
+# records, sheet and probe scripts) in one batch each, and compares the answers line by line.
+# A case agrees when both platforms print the same answer and neither reports a failure.
+# A case whose script says "#: wine-skip REASON" is a Wine defect (docs/wine.md): it runs on
+# the host only.
+#
+# Ends with the plain count line "N passed, N failed". Set QLM_WINE_KEEP=1 to keep build/wine.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/deps.sh wine64 wine xvfb
+jobs=$(nproc)
+
+cmake --preset host >/dev/null
+cmake --build --preset host -j "$jobs" --target qlmhost QLMUIDrv QLMRes QLMTestDialogs >/dev/null
+bash scripts/package-win64.sh >/dev/null
+
+work=$PWD/build/wine
+rm -rf "$work"
+mkdir -p "$work/host"
+export WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
+export WINEDLLOVERRIDES="mscoree,mshtml="
+xvfb_pid=""
+cleanup() {
+  # Only what this script started: the prefix's wineserver and its X server.
+  timeout 20 wineserver -k 2>/dev/null || true
+  [ -n "$xvfb_pid" ] && kill "$xvfb_pid" 2>/dev/null || true
+  [ -z "${QLM_WINE_KEEP:-}" ] && rm -rf "$work/prefix"
+  return 0
+}
+trap cleanup EXIT
+
+# A display of our own: the first number with no X server behind it.
+display=90
+while [ -e "/tmp/.X11-unix/X$display" ] || [ -e "/tmp/.X$display-lock" ]; do
+  display=$((display + 1))
+done
+Xvfb ":$display" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
+xvfb_pid=$!
+export DISPLAY=":$display"
+
+start=$(date +%s)
+timeout 180 wineboot -i >/dev/null 2>&1
+timeout 20 wineserver -p 2>/dev/null || true
+
+qlmhost() { build/host/tools/qlmhost/qlmhost --home "$work/host" "$@"; }
+qlmwin() { timeout "${QLM_WINE_TIMEOUT:-180}" wine build/win64/tools/qlmwin/qlmwin.exe "$@"; }
+
+echo "== install: the package's INF under Wine, the same queues on the host"
+qlmwin install --inf build/win64/package/QLMUIDrv.inf --queues tests/scripts/queues.list \
+  | tr -d '\r'
+while IFS=$'\t' read -r queue driver; do
+  case "$queue" in ''|'#'*) continue ;; esac
+  qlmhost printer add "$queue" --driver "$driver" --port LPT1: >/dev/null
+done <tests/scripts/queues.list
+
+# Records the merges of answers.list start from, made by the host's driver.
+mkdir -p "$work/records"
+qlmhost devmode default "Plan 2440" --out "$work/records/plan2440.bin" >/dev/null
+qlmhost devmode default "Plan 318p" --out "$work/records/plan318p.bin" >/dev/null
+# A bare DEVMODEW of another driver: the public part alone, no private bytes declared.
+{ head -c 70 "$work/records/plan2440.bin"; printf '\0\0'; tail -c +73 "$work/records/plan2440.bin" | head -c 148; } \
+  >"$work/records/public.bin"
+
+# One command line a case, the same text on both platforms; "COMMAND<TAB>REASON" for the
+# cases that are not run on Wine.
+: >"$work/cases.list"
+: >"$work/skipped.list"
+add_case() { # COMMAND [REASON]
+  printf '%s\n' "$1" >>"$work/cases.list"
+  [ -n "${2:-}" ] && printf '%s\t%s\n' "$1" "$2" >>"$work/skipped.list"
+  return 0
+}
+while IFS= read -r line; do
+  case "$line" in ''|'#'*) continue ;; esac
+  command=${line%%  # wine-skip: *}
+  reason=""
+  [ "$command" != "$line" ] && reason=${line#*  # wine-skip: }
+  add_case "${command%"${command##*[![:space:]]}"}" "$reason"
+done <tests/scripts/answers.list
+for f in tests/scripts/sheets/*.sheet tests/scripts/probe/*.probe; do
+  [ -e "$f" ] || continue
+  kind=sheet
+  [ "${f##*.}" = probe ] && kind=probe
+  add_case "$kind --case $f --dump --json" "$(sed -n 's/^#: wine-skip //p' "$f")"
+done
+grep -v -x -F -f <(cut -f1 "$work/skipped.list") "$work/cases.list" >"$work/cases.wine.list" || true
+
+echo "== the host answers $(wc -l <"$work/cases.list") cases"
+qlmhost batch "$work/cases.list" >"$work/host.out"
+echo "== Wine answers $(wc -l <"$work/cases.wine.list") cases"
+qlmwin batch "$work/cases.wine.list" | tr -d '\r' >"$work/wine.out"
+
+# Each output line is "COMMAND<TAB>ANSWER". A case passes when the host's answer reports no
+# failure and, unless skipped on Wine, Wine's answer is the same text.
+awk -F'\t' -v skipped="$work/skipped.list" '
+  function kind(command) {
+    if (command ~ /^caps /) return "capability answers"
+    if (command ~ /^devmode /) return "records"
+    if (command ~ /^sheet /) return "sheet scripts"
+    if (command ~ /^probe /) return "probe scripts"
+    return "other answers"
+  }
+  function failed(answer) {
+    return answer ~ /^\{"error": / || (answer ~ /"failures": \[/ && answer !~ /"failures": \[\]/)
+  }
+  BEGIN { while ((getline line < skipped) > 0) { split(line, f, "\t"); skip[f[1]] = f[2] } }
+  FNR == NR { wine[$1] = $2; next }
+  {
+    k = kind($1); total[k]++
+    if (failed($2)) { print "FAIL (host) " $1 ": " $2; bad++; nbad[k]++; next }
+    if ($1 in skip) { print "skip on Wine " $1 ": " skip[$1]; good++; nskip[k]++; next }
+    if (!($1 in wine)) { print "FAIL (no Wine answer) " $1; bad++; nbad[k]++; next }
+    if (failed(wine[$1])) { print "FAIL (Wine) " $1 ": " wine[$1]; bad++; nbad[k]++; next }
+    if (wine[$1] != $2) {
+      print "FAIL (differ) " $1 "\n  host: " $2 "\n  wine: " wine[$1]; bad++; nbad[k]++; next
+    }
+    good++; nagree[k]++
+  }
+  END {
+    for (k in total)
+      printf "%s: %d agree between the host and Wine, %d skipped on Wine, %d failed\n",
+             k, nagree[k], nskip[k], nbad[k]
+    printf "%d passed, %d failed\n", good, bad
+    exit bad > 0
+  }' "$work/wine.out" "$work/host.out" | tee "$work/summary.txt" | grep -v '^[0-9]* passed' || true
+echo "(Wine run: $(($(date +%s) - start)) s)"
+tail -n 1 "$work/summary.txt"
+grep -q '^[0-9]* passed, 0 failed$' "$work/summary.txt"
