@@ -450,7 +450,7 @@ bool ReadBuddyPosition(HWND updown, int* position)
     return true;
 }
 
-bool SpinUpDown(HWND updown, int delta)
+bool SpinUpDown(HWND updown, bool up)
 {
     WindowPtr w = Self(updown);
     HWND parent = ParentOf(updown);
@@ -467,7 +467,10 @@ bool SpinUpDown(HWND updown, int delta)
         Lock lock(StateMutex());
         nm.hdr = NMHDR{updown, UINT_PTR(w->id), UINT(UDN_DELTAPOS)};
         nm.iPos = w->control.position;
-        nm.iDelta = delta;
+        // comctl32 counts "up" towards the maximum: with a reversed range, such as the
+        // default 100..0, the up arrow gives -1.
+        bool reversed = w->control.rangeMax < w->control.rangeMin;
+        nm.iDelta = (up != reversed) ? 1 : -1;
     }
     if (parent &&
         SendMessageW(parent, WM_NOTIFY, WPARAM(nm.hdr.idFrom), reinterpret_cast<LPARAM>(&nm))) {

@@ -644,10 +644,11 @@ UINT WINAPI GetDlgItemInt(HWND hDlg, int nIDDlgItem, BOOL* lpTranslated, BOOL bS
     while (i < n && buffer[i] == u' ') {
         ++i;
     }
+    // Only a minus sign may lead, as user32 reads it: "+12" fails.
     bool negative = false;
-    if (i < n && (buffer[i] == u'-' || buffer[i] == u'+')) {
-        negative = buffer[i] == u'-';
-        if (negative && !bSigned) {
+    if (i < n && buffer[i] == u'-') {
+        negative = true;
+        if (!bSigned) {
             return 0;
         }
         ++i;
@@ -662,9 +663,7 @@ UINT WINAPI GetDlgItemInt(HWND hDlg, int nIDDlgItem, BOOL* lpTranslated, BOOL bS
         ++i;
         ++digits;
     }
-    while (i < n && buffer[i] == u' ') {
-        ++i;
-    }
+    // Nothing may follow the digits, not even blanks: "12 " fails.
     if (!digits || i != n) {
         return 0;
     }

@@ -24,7 +24,7 @@ struct SheetRun
     int startPage = 0;              // the page shown first
     std::vector<int> activations;   // template ids in the order the pages became active
     bool applyEnabled = false;      // the Apply button when the sheet closed
-    LONG_PTR result = 0;            // what SET_RESULT carried at the end
+    LONG_PTR result = 0;            // the last result set, which the sheet reports
     std::vector<std::string> calls; // "INIT 1", "CPSFUNC_SET_RESULT 1", ..., "DESTROY 1"
 };
 

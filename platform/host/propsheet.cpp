@@ -178,11 +178,19 @@ LONG_PTR Sheet::ComPropSheet(UINT function, LPARAM lParam1, LPARAM lParam2)
             return 0;
         m_start = static_cast<size_t>(lParam1 - 1);
         return 1;
-    case CPSFUNC_SET_RESULT:
-        // The value the sheet reports when it ends; a later call replaces it.
+    case CPSFUNC_SET_RESULT: {
+        // Delivered to the sheet's function at once, inside the page's PSN_APPLY; the last
+        // value set is also what the sheet reports when it ends.
         m_run.calls.push_back("CPSFUNC_SET_RESULT " + std::to_string(lParam2));
         m_result = lParam2;
+        m_run.result = lParam2;
+        SETRESULT_INFO result = {};
+        result.cbSize = sizeof(result);
+        result.hSetResult = reinterpret_cast<HANDLE>(lParam1);
+        result.Result = lParam2;
+        CallDriver(PROPSHEETUI_REASON_SET_RESULT, reinterpret_cast<LPARAM>(&result));
         return 1;
+    }
     default:
         m_run.calls.push_back("CPSFUNC " + std::to_string(function));
         return 0;
@@ -358,12 +366,6 @@ LONG Sheet::Run(HWND hWndOwner, LPDWORD pResult)
     }
     if (rc > 0) {
         Close();
-        SETRESULT_INFO result = {};
-        result.cbSize = sizeof(result);
-        result.hSetResult = this;
-        result.Result = m_result;
-        m_run.result = m_result;
-        CallDriver(PROPSHEETUI_REASON_SET_RESULT, reinterpret_cast<LPARAM>(&result));
     } else if (m_hwnd) {
         DestroyWindow(m_hwnd);
     }

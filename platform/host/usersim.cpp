@@ -334,7 +334,9 @@ bool PerformUserAction(HWND window, const UserAction& action)
         if (buddy) {
             SetFocus(buddy);
         }
-        SpinUpDown(control, int(action.number));
+        for (long long i = 0; i < action.number; ++i) {
+            SpinUpDown(control, action.text == "up");
+        }
         return true;
     }
     if (verb == "slide") {

@@ -223,7 +223,7 @@ bool ReadBuddyPosition(HWND updown, int* position);
 
 // A person's spin of an up-down (UDN_DELTAPOS first, which the parent may refuse) and drag of
 // a trackbar's thumb to a position (WM_HSCROLL/WM_VSCROLL as the thumb moves and is released).
-bool SpinUpDown(HWND updown, int delta);
+bool SpinUpDown(HWND updown, bool up);
 void SlideTrackbar(HWND trackbar, int position);
 
 // Posted messages, delivered by modal loops.

@@ -123,7 +123,24 @@ bool ParseLine(const std::string& raw, int line, UserAction* action, std::string
         return id() && number("the item data") && nothingMore();
     }
     if (verb == "spin") {
-        return id() && number("a delta") && nothingMore();
+        // spin ID up|down [COUNT]: the arrow pressed COUNT times, once by default.
+        if (!id()) {
+            return false;
+        }
+        action->text = Word(&rest);
+        if (action->text != "up" && action->text != "down") {
+            *why = "'spin' needs up or down" +
+                   (action->text.empty() ? std::string() : ", not '" + action->text + "'");
+            return false;
+        }
+        action->number = 1;
+        if (!Trim(rest).empty() && (!number("a count") || action->number < 1)) {
+            if (why->empty()) {
+                *why = "'spin' needs a count of 1 or more";
+            }
+            return false;
+        }
+        return nothingMore();
     }
     if (verb == "slide") {
         return id() && number("a position") && nothingMore();

@@ -176,7 +176,9 @@ TEST_F(ControlsTest, DialogItemIntegers)
         BOOL translated;
     } cases[] = {
         {u"42", FALSE, 42, TRUE},
-        {u"  7 ", FALSE, 7, TRUE},
+        {u"  7", FALSE, 7, TRUE},
+        {u"12 ", FALSE, 0, FALSE},
+        {u"+12", TRUE, 0, FALSE},
         {u"-5", TRUE, UINT(-5), TRUE},
         {u"-5", FALSE, 0, FALSE},
         {u"12a", FALSE, 0, FALSE},
@@ -304,20 +306,35 @@ TEST_F(ControlsTest, UpDownSpinAsksTheParentFirst)
     Send(IDC_SPIN, UDM_SETRANGE32, 0, 10);
     Send(IDC_SPIN, UDM_SETPOS32, 0, 9);
     g_log.clear();
-    ASSERT_TRUE(host::detail::SpinUpDown(Item(IDC_SPIN), 1));
+    ASSERT_TRUE(host::detail::SpinUpDown(Item(IDC_SPIN), true));
     EXPECT_EQ(u"9", g_buddyTextAtDelta) << "nothing changed before UDN_DELTAPOS";
     EXPECT_THAT(g_log, ElementsAre("1003 UDN_DELTAPOS 9 1", "1002 EN_UPDATE", "1002 EN_CHANGE",
                                    "vscroll 1003 4 10", "vscroll 1003 8 10"));
     g_log.clear();
-    host::detail::SpinUpDown(Item(IDC_SPIN), 1);
+    host::detail::SpinUpDown(Item(IDC_SPIN), true);
     EXPECT_EQ(10, Send(IDC_SPIN, UDM_GETPOS32)) << "held at the top of the range";
 
     g_refuseDelta = 1;
     g_log.clear();
-    host::detail::SpinUpDown(Item(IDC_SPIN), -3);
-    EXPECT_THAT(g_log, ElementsAre("1003 UDN_DELTAPOS 10 -3"));
+    host::detail::SpinUpDown(Item(IDC_SPIN), false);
+    EXPECT_THAT(g_log, ElementsAre("1003 UDN_DELTAPOS 10 -1"));
     EXPECT_EQ(10, Send(IDC_SPIN, UDM_GETPOS32));
     EXPECT_EQ(u"10", Text(Item(IDC_COUNT)));
+}
+
+// comctl32 counts up towards the maximum: under the default range, 100 down to 0, the up
+// arrow gives -1.
+TEST_F(ControlsTest, UpDownDeltaFollowsTheRangesDirection)
+{
+    HWND updown = CreateWindowExW(0, u"msctls_updown32", u"", WS_CHILD, 0, 0, 10, 10, dialog_,
+                                  reinterpret_cast<HMENU>(4000), nullptr, nullptr);
+    g_log.clear();
+    host::detail::SpinUpDown(updown, true);
+    host::detail::SpinUpDown(updown, false);
+    EXPECT_THAT(g_log,
+                ElementsAre("4000 UDN_DELTAPOS 0 -1", "vscroll 4000 4 0", "vscroll 4000 8 0",
+                            "4000 UDN_DELTAPOS 0 1", "vscroll 4000 4 1", "vscroll 4000 8 1"));
+    DestroyWindow(updown);
 }
 
 TEST_F(ControlsTest, TrackbarRangePositionAndDrag)

@@ -141,7 +141,7 @@ TEST(UserScriptTest, ParsesActionsAndNamesTheLineOfAnError)
     ASSERT_TRUE(host::SetUserScript("# a comment\n\n"
                                     "type 1001 Plotter 7  # trailing comment\n"
                                     "select 0x3EC 274\n"
-                                    "spin 1003 -2\n"
+                                    "spin 1003 down 2\n"
                                     "expect 1001 text Plotter 7\n"
                                     "answer yes\n"
                                     "file C:\\Data\\job.plt\n"
@@ -157,7 +157,7 @@ TEST(UserScriptTest, ParsesActionsAndNamesTheLineOfAnError)
                         " '" + a.text + "' line " + std::to_string(a.line));
     EXPECT_THAT(taken,
                 ElementsAre("type 1001 0 'Plotter 7' line 3", "select 1004 274 '' line 4",
-                            "spin 1003 -2 '' line 5", "expect 1001 0 'text Plotter 7' line 6",
+                            "spin 1003 2 'down' line 5", "expect 1001 0 'text Plotter 7' line 6",
                             "answer 0 0 'yes' line 7", "file 0 0 'C:\\Data\\job.plt' line 8",
                             "ok 0 0 '' line 9"));
 
@@ -193,7 +193,7 @@ TEST_F(UserSimTest, ModalRunTakesTheScriptAsAPersonsInput)
            "select 1004 273\n"
            "check 1007\n"
            "click 1010\n"
-           "spin 1003 2\n"
+           "spin 1003 up 2\n"
            "slide 1011 40\n"
            "type 1005 10.0.0.9\n"
            "expect 1002 text 3\n"
@@ -255,7 +255,7 @@ TEST_F(UserSimTest, FailuresNameTheirLine)
            "type 1015 abc\n"
            "click 4242\n"
            "select 1004 999\n"
-           "spin 1001 1\n"
+           "spin 1001 up\n"
            "uncheck 1009\n"
            "expect 1014 disabled\n"
            "tab 2\n"

@@ -255,7 +255,7 @@ extern const Command g_SheetCommand = {
     "  device sheet (DrvDevicePropertySheets). --in passes a record file as pdmIn. The script\n"
     "  (a file, or - for standard input) has one action a line, # starts a comment:\n"
     "    tab ID | click ID | check ID | uncheck ID | select ID DATA | select-text ID TEXT\n"
-    "    type ID TEXT | key ID CHAR | spin ID DELTA | slide ID POS | menu COMMAND\n"
+    "    type ID TEXT | key ID CHAR | spin ID up|down [COUNT] | slide ID POS | menu COMMAND\n"
     "    answer yes|no|ok|cancel|retry|ignore | file PATH | file cancel | ok | cancel | apply\n"
     "    expect ID enabled|disabled|checked|unchecked|text TEXT|data DATA\n"
     "  A dialog opened by an action takes the actions that follow until it ends. Without\n"
