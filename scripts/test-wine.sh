@@ -48,11 +48,16 @@ qlmhost() { build/host/tools/qlmhost/qlmhost --home "$work/host" "$@"; }
 qlmwin() { timeout "${QLM_WINE_TIMEOUT:-180}" wine build/win64/tools/qlmwin/qlmwin.exe "$@"; }
 
 echo "== install: the package's INF under Wine, the same queues on the host"
+# Network ports first: one of the standard TCP/IP monitor's on each platform.
+for port in $(cut -f3 tests/scripts/queues.list | grep '^IP_' | sort -u); do
+  qlmwin port add "$port" | tr -d '\r'
+  qlmhost port add "$port" --monitor TCPMON.DLL >/dev/null
+done
 qlmwin install --inf build/win64/package/QLMUIDrv.inf --queues tests/scripts/queues.list \
   | tr -d '\r'
-while IFS=$'\t' read -r queue driver; do
+while IFS=$'\t' read -r queue driver port; do
   case "$queue" in ''|'#'*) continue ;; esac
-  qlmhost printer add "$queue" --driver "$driver" --port LPT1: >/dev/null
+  qlmhost printer add "$queue" --driver "$driver" --port "${port:-LPT1:}" >/dev/null
 done <tests/scripts/queues.list
 
 # Records the merges of answers.list start from, made by the host's driver.

@@ -13,8 +13,11 @@
 #include <windows.h>
 
 #include <cstring>
+#include <cwchar>
 #include <deque>
 #include <map>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace {
@@ -31,6 +34,74 @@ constexpr int kFileNameEdit = 0x480;
 
 class ScriptedSheet;
 ScriptedSheet* g_pSheet = nullptr; // one sheet at a time, as on the host
+
+// A picture of the window as it stands on the screen, as a 24-bit BMP file.
+void SaveSnapshot(HWND window, const std::wstring& path)
+{
+    RECT r;
+    if (!GetWindowRect(window, &r))
+        return;
+    int cx = r.right - r.left, cy = r.bottom - r.top;
+    if (cx <= 0 || cy <= 0)
+        return;
+    HDC screen = GetDC(nullptr);
+    HDC memory = CreateCompatibleDC(screen);
+    BITMAPINFO bmi = {};
+    bmi.bmiHeader.biSize = sizeof(bmi.bmiHeader);
+    bmi.bmiHeader.biWidth = cx;
+    bmi.bmiHeader.biHeight = cy;
+    bmi.bmiHeader.biPlanes = 1;
+    bmi.bmiHeader.biBitCount = 24;
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(screen, &bmi, DIB_RGB_COLORS, &bits, nullptr, 0);
+    HGDIOBJ old = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, cx, cy, screen, r.left, r.top, SRCCOPY);
+    SelectObject(memory, old);
+    DWORD cbImage = DWORD(((cx * 3 + 3) & ~3) * cy);
+    BITMAPFILEHEADER file = {};
+    file.bfType = 0x4D42;
+    file.bfOffBits = sizeof(file) + sizeof(bmi.bmiHeader);
+    file.bfSize = file.bfOffBits + cbImage;
+    HANDLE h = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    if (h != INVALID_HANDLE_VALUE) {
+        DWORD written;
+        WriteFile(h, &file, sizeof(file), &written, nullptr);
+        WriteFile(h, &bmi.bmiHeader, sizeof(bmi.bmiHeader), &written, nullptr);
+        WriteFile(h, bits, cbImage, &written, nullptr);
+        CloseHandle(h);
+    }
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+}
+
+// With QLMWIN_SNAPSHOTS naming a folder, each window the script meets is pictured there once,
+// the sheet once for each page shown: NN.bmp in the order met.
+class Snapshots
+{
+public:
+    Snapshots()
+    {
+        wchar_t folder[MAX_PATH] = {};
+        if (GetEnvironmentVariableW(L"QLMWIN_SNAPSHOTS", folder, MAX_PATH))
+            m_folder = folder;
+    }
+    void Take(HWND window, HWND page)
+    {
+        if (m_folder.empty() || m_seen.count({window, page}))
+            return;
+        m_seen.insert({window, page});
+        RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        wchar_t name[32];
+        swprintf(name, 32, L"\\%02d.bmp", ++m_count);
+        SaveSnapshot(window, m_folder + name);
+    }
+
+private:
+    std::wstring m_folder;
+    std::set<std::pair<HWND, HWND>> m_seen;
+    int m_count = 0;
+};
 
 // Which template each page was made from, learnt where the driver makes its pages.
 std::map<HPROPSHEETPAGE, int> g_PageTemplates;
@@ -115,6 +186,7 @@ private:
     std::vector<std::string> m_failures;
     DWORD m_idleSince = 0;
     bool m_stalled = false;
+    Snapshots m_snapshots;
 
     friend int CALLBACK SheetCallback(HWND, UINT, LPARAM);
 };
@@ -365,6 +437,9 @@ void ScriptedSheet::Tick()
         return;
     }
     m_idleSince = 0;
+    m_snapshots.Take(target, IsSheet(target) ? reinterpret_cast<HWND>(SendMessageW(
+                                                   target, PSM_GETCURRENTPAGEHWND, 0, 0))
+                                             : nullptr);
     if (m_actions.empty() || m_stalled) {
         Finish(target);
         return;
