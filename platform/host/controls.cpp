@@ -912,6 +912,8 @@ LRESULT CALLBACK ComboBoxProc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp)
                 NotifyParent(hwnd, CBN_SETFOCUS);
                 break;
             case EN_KILLFOCUS:
+                // Leaving a combo box ends any selection in it as cancelled.
+                NotifyParent(hwnd, CBN_SELENDCANCEL);
                 NotifyParent(hwnd, CBN_KILLFOCUS);
                 break;
             }
@@ -926,6 +928,7 @@ LRESULT CALLBACK ComboBoxProc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp)
         return 0;
     case WM_KILLFOCUS:
         if (!edit) {
+            NotifyParent(hwnd, CBN_SELENDCANCEL);
             NotifyParent(hwnd, CBN_KILLFOCUS);
         }
         return 0;

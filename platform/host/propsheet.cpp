@@ -97,7 +97,8 @@ private:
     LONG CallDriver(WORD reason, LPARAM lParam);
     bool Activate(size_t index);
     LRESULT Notify(Page& page, UINT code, LPARAM lParam);
-    void ApplyAll(bool ok);
+    bool ApplyAll(bool ok);
+    bool CancelAll();
     void ResetAll();
     void Close();
     size_t IndexOfTemplate(int templateId) const;
@@ -224,15 +225,10 @@ bool Sheet::Activate(size_t index)
 {
     if (index >= m_pages.size())
         return false;
-    if (m_current < m_pages.size()) {
-        Page* pOld = FindPage(m_pages[m_current]);
-        if (pOld && pOld->hwnd) {
-            // A page that refuses to be left stays.
-            if (Notify(*pOld, PSN_KILLACTIVE, 0))
-                return false;
-            ShowWindow(pOld->hwnd, SW_HIDE);
-        }
-    }
+    Page* pOld = m_current < m_pages.size() ? FindPage(m_pages[m_current]) : nullptr;
+    // A page that refuses to be left stays.
+    if (pOld && pOld->hwnd && Notify(*pOld, PSN_KILLACTIVE, 0))
+        return false;
     Page* pPage = FindPage(m_pages[index]);
     if (!pPage)
         return false;
@@ -244,26 +240,50 @@ bool Sheet::Activate(size_t index)
         if (!pPage->hwnd)
             return false;
     }
+    // As comctl32 does: the new page hears PSN_SETACTIVE before it is shown, and -1 keeps it
+    // from being shown.
+    if (Notify(*pPage, PSN_SETACTIVE, 0) == -1)
+        return false;
+    if (pOld && pOld->hwnd && pOld != pPage)
+        ShowWindow(pOld->hwnd, SW_HIDE);
     m_current = index;
     m_run.activations.push_back(TemplateNumber(pPage->psp));
     ShowWindow(pPage->hwnd, SW_SHOW);
-    Notify(*pPage, PSN_SETACTIVE, 0);
     return true;
 }
 
-void Sheet::ApplyAll(bool ok)
+// False when a page refused: the sheet then stays open.
+bool Sheet::ApplyAll(bool ok)
 {
-    if (m_current < m_pages.size()) {
-        Page* pPage = FindPage(m_pages[m_current]);
-        if (pPage && pPage->hwnd && Notify(*pPage, PSN_KILLACTIVE, 0))
-            return;
-    }
-    for (HPROPSHEETPAGE hPage : m_pages) {
-        Page* pPage = FindPage(hPage);
-        if (pPage && pPage->hwnd)
-            Notify(*pPage, PSN_APPLY, ok ? 1 : 0);
+    Page* pCurrent = m_current < m_pages.size() ? FindPage(m_pages[m_current]) : nullptr;
+    if (pCurrent && pCurrent->hwnd && Notify(*pCurrent, PSN_KILLACTIVE, 0))
+        return false;
+    for (size_t i = 0; i < m_pages.size(); ++i) {
+        Page* pPage = FindPage(m_pages[i]);
+        if (!pPage || !pPage->hwnd)
+            continue;
+        LRESULT rc = Notify(*pPage, PSN_APPLY, ok ? 1 : 0);
+        if (rc == PSNRET_INVALID || rc == PSNRET_INVALID_NOCHANGEPAGE) {
+            if (rc == PSNRET_INVALID && i != m_current)
+                Activate(i);
+            return false;
+        }
     }
     m_changed.clear();
+    // Apply leaves the sheet open; its page is told it is active again.
+    if (!ok && pCurrent && pCurrent->hwnd)
+        Notify(*pCurrent, PSN_SETACTIVE, 0);
+    return true;
+}
+
+// False when the page shown refuses the Cancel (PSN_QUERYCANCEL).
+bool Sheet::CancelAll()
+{
+    Page* pCurrent = m_current < m_pages.size() ? FindPage(m_pages[m_current]) : nullptr;
+    if (pCurrent && pCurrent->hwnd && Notify(*pCurrent, PSN_QUERYCANCEL, 0))
+        return false;
+    ResetAll();
+    return true;
 }
 
 void Sheet::ResetAll()
@@ -333,15 +353,14 @@ LONG Sheet::Run(HWND hWndOwner, LPDWORD pResult)
         while (open) {
             host::UserAction action;
             if (!host::TakeUserAction(&action)) {
-                ResetAll(); // the user closes the sheet: Cancel
+                if (!CancelAll()) // the user closes the sheet: Cancel
+                    ResetAll();
                 break;
             }
             if (action.verb == "ok") {
-                ApplyAll(true);
-                open = false;
+                open = !ApplyAll(true);
             } else if (action.verb == "cancel") {
-                ResetAll();
-                open = false;
+                open = !CancelAll();
             } else if (action.verb == "apply") {
                 // Apply is lit only once a page has reported a change.
                 if (m_changed.empty())
@@ -354,7 +373,9 @@ LONG Sheet::Run(HWND hWndOwner, LPDWORD pResult)
                 if (index == SIZE_MAX)
                     host::RecordUserScriptFailure(action, "the sheet has no page " +
                                                               std::to_string(action.id));
-                else if (!Activate(index))
+                // A page that keeps the sheet where it is has answered; one that cannot be
+                // made is the script's failure.
+                else if (!Activate(index) && !FindPage(m_pages[index])->hwnd)
                     host::RecordUserScriptFailure(action, "page " + std::to_string(action.id) +
                                                               " cannot be shown");
             } else if (m_current < m_pages.size()) {

@@ -52,21 +52,48 @@ int FindListItem(HWND control, ControlKind kind, const UserAction& action)
     return -1;
 }
 
+// The combo box's selection moved without its edit told yet.
+void SelectQuietly(HWND control, int index)
+{
+    if (WindowPtr w = FindWindowQuiet(control)) {
+        Lock lock(StateMutex());
+        w->control.selection = index;
+    }
+}
+
 void SelectAsUser(HWND control, ControlKind kind, int index)
 {
     SetFocus(control);
     if (kind == ControlKind::ComboBox) {
+        // As user32's combo box: the list drops, the click ends the selection and closes the
+        // list, then the change is told, and only then does an edit take the item's text.
         NotifyParent(control, CBN_DROPDOWN);
-        SendMessageW(control, CB_SETCURSEL, WPARAM(index), 0);
-        NotifyParent(control, CBN_SELCHANGE);
+        SelectQuietly(control, index);
         NotifyParent(control, CBN_SELENDOK);
         NotifyParent(control, CBN_CLOSEUP);
+        NotifyParent(control, CBN_SELCHANGE);
+        SendMessageW(control, CB_SETCURSEL, WPARAM(index), 0);
     } else {
         SendMessageW(control, LB_SETCURSEL, WPARAM(index), 0);
         if (GetWindowLongW(control, GWL_STYLE) & LBS_NOTIFY) {
             NotifyParent(control, LBN_SELCHANGE);
         }
     }
+}
+
+// An arrow key on a closed combo box: the next or previous item becomes the selection.
+void ChooseWithArrow(HWND control, bool down)
+{
+    int count = int(SendMessageW(control, CB_GETCOUNT, 0, 0));
+    int current = int(SendMessageW(control, CB_GETCURSEL, 0, 0));
+    int next = current < 0 ? 0 : current + (down ? 1 : -1);
+    if (count <= 0 || next < 0 || next >= count) {
+        return;
+    }
+    SelectQuietly(control, next);
+    NotifyParent(control, CBN_SELENDOK);
+    NotifyParent(control, CBN_SELCHANGE);
+    SendMessageW(control, CB_SETCURSEL, WPARAM(next), 0);
 }
 
 bool Expect(HWND control, const WindowPtr& w, const UserAction& action)
@@ -298,6 +325,12 @@ bool PerformUserAction(HWND window, const UserAction& action)
                                                       : "\"" + action.text + "\""));
         }
         SelectAsUser(control, kind, index);
+        return true;
+    }
+    if (verb == "key" && kind == ControlKind::ComboBox &&
+        (action.text == "down" || action.text == "up")) {
+        SetFocus(control);
+        ChooseWithArrow(control, action.text == "down");
         return true;
     }
     if (verb == "type" || verb == "key") {

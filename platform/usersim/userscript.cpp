@@ -10,6 +10,8 @@ namespace usersim {
 namespace {
 
 constexpr long long kBackspace = 0x08; // VK_BACK, as WM_CHAR carries it
+constexpr long long kUp = 0x26;        // VK_UP
+constexpr long long kDown = 0x28;      // VK_DOWN
 
 // The one UTF-16 unit of a text that is a single character of the basic plane.
 bool OneCharacter(const std::string& utf8, long long* unit)
@@ -164,10 +166,13 @@ bool ParseLine(const std::string& raw, int line, UserAction* action, std::string
                 action->number = kBackspace;
             } else if (action->text == "space") {
                 action->number = ' ';
+            } else if (action->text == "down" || action->text == "up") {
+                // An arrow key, which a combo box takes as a choice of the next item.
+                action->number = action->text == "down" ? kDown : kUp;
             } else if (OneCharacter(action->text, &ch)) {
                 action->number = ch;
             } else {
-                *why = "'key' needs one character or backspace or space";
+                *why = "'key' needs one character, backspace, space, down or up";
                 return false;
             }
         }

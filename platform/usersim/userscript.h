@@ -3,7 +3,7 @@
 //
 // A script is text, one action a line; `#` starts a comment, blank lines are ignored. Actions:
 // tab ID, click ID, check ID, uncheck ID, select ID DATA (the item whose data is DATA),
-// select-text ID TEXT, type ID TEXT, key ID CHAR, spin ID up|down [COUNT], slide ID POS, menu COMMAND,
+// select-text ID TEXT, type ID TEXT, key ID CHAR|backspace|space|down|up, spin ID up|down [COUNT], slide ID POS, menu COMMAND,
 // answer yes|no|ok|cancel|retry|ignore|abort|continue, file PATH, file cancel, ok, cancel,
 // apply, expect ID enabled|disabled|checked|unchecked|visible|hidden|text TEXT|data DATA.
 // Numbers are decimal or 0x hex; TEXT is the rest of the line.

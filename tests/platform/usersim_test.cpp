@@ -173,7 +173,7 @@ TEST(UserScriptTest, ParsesActionsAndNamesTheLineOfAnError)
         {"ok now", "line 1: unexpected 'now' after 'ok'"},
         {"answer maybe",
          "line 1: 'answer' needs yes, no, ok, cancel, retry, ignore, abort or continue"},
-        {"key 1001 ab", "line 1: 'key' needs one character or backspace or space"},
+        {"key 1001 ab", "line 1: 'key' needs one character, backspace, space, down or up"},
         {"expect 1001 shiny", "line 1: 'expect' needs enabled, disabled, checked, unchecked, "
                               "visible, hidden, text or data"},
         {"file", "line 1: 'file' needs a path or cancel"},
@@ -209,7 +209,7 @@ TEST_F(UserSimTest, ModalRunTakesTheScriptAsAPersonsInput)
     EXPECT_EQ(u"3", g_out.count);
     EXPECT_EQ(40, g_out.quality);
     EXPECT_EQ(u"10.0.0.9", g_out.address);
-    EXPECT_THAT(g_out.events, ElementsAre("posted", "selchange", "selendok"));
+    EXPECT_THAT(g_out.events, ElementsAre("posted", "selendok", "selchange"));
     host::UserAction rest;
     ASSERT_TRUE(host::PeekUserAction(&rest)) << "the run stops taking actions when it ends";
     EXPECT_EQ("answer", rest.verb);

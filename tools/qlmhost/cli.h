@@ -19,6 +19,7 @@ struct Options
     // The answer to the printer address question, when the user gave one.
     std::optional<std::string> address;
     std::string addressScript; // the actions that answer the address dialog with it
+    std::string testDialogs;   // the test dialogs' library the probe runs on
 };
 
 // The words of one command line after the global options, with its flags picked out.
@@ -58,6 +59,7 @@ extern const Command g_DevmodeShowCommand;
 extern const Command g_DevmodeConvertCommand;
 extern const Command g_SheetCommand;
 extern const Command g_BatchCommand;
+extern const Command g_ProbeCommand;
 int BatchCommand(Args& args, const Options& options);
 
 // Prints "qlmhost: message" to standard error and returns the exit code 1 or 2.

@@ -576,6 +576,7 @@ const Command g_Commands[] = {
      PrinterStateCommand},
     g_SheetCommand,
     g_BatchCommand,
+    g_ProbeCommand,
     {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
      DevmodeLayout},
     {"devmode new", "PRINTER [--json]",

@@ -48,6 +48,7 @@ int main(int argc, char** argv)
     Options options;
     const char* envDriver = getenv("QLMHOST_DRIVER");
     options.driverLibrary = envDriver && *envDriver ? envDriver : QLM_DEFAULT_DRIVER;
+    options.testDialogs = QLM_TEST_DIALOGS;
 
     // Global options come before the command.
     size_t i = 0;

@@ -567,3 +567,36 @@ bool WriteFileBytes(const std::string& path, const void* data, size_t cb, std::s
     }
     return true;
 }
+
+void ControlsToJson(JsonWriter& json, const std::vector<usersim::ControlState>& controls)
+{
+    json.BeginArray("controls");
+    for (const usersim::ControlState& c : controls) {
+        json.BeginObject();
+        json.Number("id", c.id);
+        json.String("class", c.className);
+        json.String("kind", c.kind);
+        json.String("text", c.text);
+        json.Bool("enabled", c.enabled);
+        json.Bool("visible", c.visible);
+        json.Bool("checked", c.checked);
+        if (!c.items.empty()) {
+            json.Number("selection", c.selection);
+            json.BeginArray("items");
+            for (const auto& item : c.items) {
+                json.BeginObject();
+                json.String("text", item.first);
+                json.Number("data", item.second);
+                json.EndObject();
+            }
+            json.EndArray();
+        }
+        if (c.className == "msctls_updown32" || c.className == "msctls_trackbar32") {
+            json.Number("position", c.position);
+            json.Number("min", c.rangeMin);
+            json.Number("max", c.rangeMax);
+        }
+        json.EndObject();
+    }
+    json.EndArray();
+}

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "driver/devmode/devmodeex.h"
+#include "platform/usersim/controlstate.h"
 
 #include <cstdint>
 #include <string>
@@ -78,3 +79,6 @@ size_t DeclaredRecordSize(const BYTE* record, size_t cb);
 // larger than any record could be.
 bool ReadRecordFile(const std::string& path, std::vector<uint8_t>* bytes, std::string* error);
 bool WriteFileBytes(const std::string& path, const void* data, size_t cb, std::string* error);
+
+// A window's controls as the array "controls", by the words both platforms use.
+void ControlsToJson(JsonWriter& json, const std::vector<usersim::ControlState>& controls);

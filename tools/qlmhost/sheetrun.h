@@ -6,6 +6,7 @@
 
 #include "platform/usersim/controlstate.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,3 +29,9 @@ struct SheetRunReport
 // False with *error when the script cannot be parsed; the sheet is not opened then.
 bool RunSheet(PFNPROPSHEETUI pfn, LPARAM lParam, const std::string& script, SheetRunReport* report,
               std::string* error);
+
+// Runs a modal dialog, which open shows (and returns its result), with a script taking the
+// person's part; the script's failures go to *failures. False with *error when the script
+// cannot be parsed.
+bool RunDialog(const std::function<INT_PTR()>& open, const std::string& script, INT_PTR* result,
+               std::vector<std::string>* failures, std::string* error);

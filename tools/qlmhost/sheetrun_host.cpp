@@ -27,3 +27,14 @@ bool RunSheet(PFNPROPSHEETUI pfn, LPARAM lParam, const std::string& script, Shee
     host::ClearUserScript();
     return true;
 }
+
+bool RunDialog(const std::function<INT_PTR()>& open, const std::string& script, INT_PTR* result,
+               std::vector<std::string>* failures, std::string* error)
+{
+    if (!host::AppendUserScript(script, error))
+        return false;
+    *result = open();
+    *failures = host::UserScriptFailures();
+    host::ClearUserScript();
+    return true;
+}

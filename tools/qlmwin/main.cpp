@@ -28,6 +28,7 @@ const Command g_Commands[] = {
     g_DevmodeConvertCommand,
     g_SheetCommand,
     g_BatchCommand,
+    g_ProbeCommand,
 };
 const size_t g_cCommands = sizeof(g_Commands) / sizeof(g_Commands[0]);
 
@@ -65,6 +66,15 @@ std::string InstalledDriverLibrary()
     return U(reinterpret_cast<const char16_t*>(directory)) + "\\3\\QLMUIDrv.dll";
 }
 
+// A file in qlmwin.exe's folder.
+std::string Beside(const char* name)
+{
+    WCHAR self[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, self, MAX_PATH);
+    std::string path = U(reinterpret_cast<const char16_t*>(self));
+    return path.substr(0, path.find_last_of('\\') + 1) + name;
+}
+
 std::string Narrow(const wchar_t* text)
 {
     return U(std::u16string(reinterpret_cast<const char16_t*>(text)));
@@ -91,6 +101,7 @@ int wmain(int argc, wchar_t** argv)
     }
     if (options.driverLibrary.empty())
         options.driverLibrary = InstalledDriverLibrary();
+    options.testDialogs = Beside("testdialogs.dll");
     size_t used = 0;
     const Command* command = MatchCommand(words, i, &used);
     if (!command)

@@ -15,6 +15,7 @@
 #include <cstring>
 #include <cwchar>
 #include <deque>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -159,6 +160,8 @@ public:
     }
 
     void Run(SheetRunReport* report);
+    // A modal dialog instead of a sheet: open shows it and gives its result.
+    INT_PTR RunModal(const std::function<INT_PTR()>& open, std::vector<std::string>* failures);
     LONG_PTR ComPropSheet(UINT function, LPARAM lParam1, LPARAM lParam2);
     void Tick();
     void PageDestroyed(HWND page);
@@ -488,6 +491,28 @@ void ScriptedSheet::Run(SheetRunReport* report)
     report->failures = m_failures;
 }
 
+INT_PTR ScriptedSheet::RunModal(const std::function<INT_PTR()>& open,
+                                std::vector<std::string>* failures)
+{
+    UINT_PTR timer = SetTimer(nullptr, 0, kTickMs, TimerThunk);
+    INT_PTR result = open();
+    KillTimer(nullptr, timer);
+    for (const UserAction& left : m_actions)
+        Fail(left, "not performed: the dialog had closed");
+    *failures = m_failures;
+    return result;
+}
+
+void InitControls()
+{
+    static bool initialized = false;
+    if (!initialized) {
+        INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_WIN95_CLASSES};
+        InitCommonControlsEx(&controls);
+        initialized = true;
+    }
+}
+
 } // namespace
 
 bool RunSheet(PFNPROPSHEETUI pfn, LPARAM lParam, const std::string& script, SheetRunReport* report,
@@ -496,12 +521,7 @@ bool RunSheet(PFNPROPSHEETUI pfn, LPARAM lParam, const std::string& script, Shee
     std::vector<UserAction> actions;
     if (!usersim::ParseUserScript(script, &actions, error))
         return false;
-    static bool initialized = false;
-    if (!initialized) {
-        INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_WIN95_CLASSES};
-        InitCommonControlsEx(&controls);
-        initialized = true;
-    }
+    InitControls();
     HMODULE module = nullptr;
     if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
                                GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
@@ -510,6 +530,20 @@ bool RunSheet(PFNPROPSHEETUI pfn, LPARAM lParam, const std::string& script, Shee
     ScriptedSheet sheet(pfn, lParam, std::move(actions));
     g_pSheet = &sheet;
     sheet.Run(report);
+    g_pSheet = nullptr;
+    return true;
+}
+
+bool RunDialog(const std::function<INT_PTR()>& open, const std::string& script, INT_PTR* result,
+               std::vector<std::string>* failures, std::string* error)
+{
+    std::vector<UserAction> actions;
+    if (!usersim::ParseUserScript(script, &actions, error))
+        return false;
+    InitControls();
+    ScriptedSheet runner(nullptr, 0, std::move(actions));
+    g_pSheet = &runner;
+    *result = runner.RunModal(open, failures);
     g_pSheet = nullptr;
     return true;
 }
