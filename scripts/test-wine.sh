@@ -130,6 +130,11 @@ awk -F'\t' -v skipped="$work/skipped.list" '
     printf "%d passed, %d failed\n", good, bad
     exit bad > 0
   }' "$work/wine.out" "$work/host.out" | tee "$work/summary.txt" | grep -v '^[0-9]* passed' || true
+# Figures, not verdicts: what the most frequent questions cost on each platform, same run.
+echo "== benchmark on the host (median of 200 calls)"
+qlmhost bench "Plan 2440" --calls 200 || true
+echo "== benchmark under Wine (median of 20 calls)"
+qlmwin bench "Plan 2440" --calls 20 | tr -d '\r' || true
 echo "(Wine run: $(($(date +%s) - start)) s)"
 tail -n 1 "$work/summary.txt"
 grep -q '^[0-9]* passed, 0 failed$' "$work/summary.txt"

@@ -109,6 +109,12 @@ bool InstallDriverFile(const std::string& sourcePath, const std::u16string& file
 // The host path of an installed driver file (whether or not it is there).
 std::string InstalledDriverFilePath(const std::u16string& fileName, int version);
 
+// ---- Call counts ----------------------------------------------------------------------------
+// How often each spooler and registry name was called from outside the host since the last
+// reset: what a call into the spooler service would cost on Windows.
+std::vector<std::pair<std::string, long long>> CallCounts(); // by name
+void ResetCallCounts();
+
 // ---- Debug output and message boxes -----------------------------------------------------
 // OutputDebugStringW goes to standard error when QLMHOST_TRACE is set, and to the sink when
 // one is installed (tests); the sink receives each string as it was given.

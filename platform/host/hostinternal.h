@@ -18,6 +18,18 @@ namespace host::detail {
 std::recursive_mutex& StateMutex();
 using Lock = std::lock_guard<std::recursive_mutex>;
 
+// Counts a call of a spooler or registry name made from outside the host: a name that the host
+// itself calls while one is running is not counted again.
+class CountedCall
+{
+public:
+    explicit CountedCall(const char* name);
+    ~CountedCall();
+    CountedCall(const CountedCall&) = delete;
+    CountedCall& operator=(const CountedCall&) = delete;
+};
+#define QLM_HOST_COUNTED_CALL() ::host::detail::CountedCall countedCall_(__func__)
+
 // ---- UTF-16 text ---------------------------------------------------------------------------
 inline size_t WLen(const WCHAR* s)
 {

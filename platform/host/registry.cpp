@@ -165,6 +165,7 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY hKey, LPCWSTR lpSubKey, DWORD Reserved, LPWS
                                const SECURITY_ATTRIBUTES* lpSecurityAttributes, PHKEY phkResult,
                                LPDWORD lpdwDisposition)
 {
+    QLM_HOST_COUNTED_CALL();
     if (Reserved) {
         return ERROR_INVALID_PARAMETER;
     }
@@ -222,6 +223,7 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY hKey, LPCWSTR lpSubKey, DWORD Reserved, LPWS
 LSTATUS WINAPI RegOpenKeyExW(HKEY hKey, LPCWSTR lpSubKey, DWORD ulOptions, REGSAM samDesired,
                              PHKEY phkResult)
 {
+    QLM_HOST_COUNTED_CALL();
     if (!phkResult) {
         return ERROR_INVALID_PARAMETER;
     }
@@ -258,6 +260,7 @@ LSTATUS WINAPI RegOpenKeyExW(HKEY hKey, LPCWSTR lpSubKey, DWORD ulOptions, REGSA
 LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR lpValueName, LPDWORD lpReserved, LPDWORD lpType,
                                 LPBYTE lpData, LPDWORD lpcbData)
 {
+    QLM_HOST_COUNTED_CALL();
     if (lpReserved || (lpData && !lpcbData)) {
         return ERROR_INVALID_PARAMETER;
     }
@@ -305,6 +308,7 @@ LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR lpValueName, LPDWORD lpReserv
 LSTATUS WINAPI RegSetValueExW(HKEY hKey, LPCWSTR lpValueName, DWORD Reserved, DWORD dwType,
                               const BYTE* lpData, DWORD cbData)
 {
+    QLM_HOST_COUNTED_CALL();
     if (Reserved) {
         return ERROR_INVALID_PARAMETER;
     }
@@ -346,6 +350,7 @@ LSTATUS WINAPI RegSetValueExW(HKEY hKey, LPCWSTR lpValueName, DWORD Reserved, DW
 LSTATUS WINAPI RegEnumValueW(HKEY hKey, DWORD dwIndex, LPWSTR lpValueName, LPDWORD lpcchValueName,
                              LPDWORD lpReserved, LPDWORD lpType, LPBYTE lpData, LPDWORD lpcbData)
 {
+    QLM_HOST_COUNTED_CALL();
     if (lpReserved || !lpValueName || !lpcchValueName || (lpData && !lpcbData)) {
         return ERROR_INVALID_PARAMETER;
     }
@@ -397,6 +402,7 @@ LSTATUS WINAPI RegEnumValueW(HKEY hKey, DWORD dwIndex, LPWSTR lpValueName, LPDWO
 // handles still open on a deleted key then get ERROR_KEY_DELETED.
 LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR lpSubKey)
 {
+    QLM_HOST_COUNTED_CALL();
     if (!lpSubKey) {
         return ERROR_INVALID_PARAMETER;
     }
@@ -436,6 +442,7 @@ LSTATUS WINAPI RegDeleteKeyW(HKEY hKey, LPCWSTR lpSubKey)
 // ERROR_SUCCESS when the value is gone; ERROR_FILE_NOT_FOUND when there was none.
 LSTATUS WINAPI RegDeleteValueW(HKEY hKey, LPCWSTR lpValueName)
 {
+    QLM_HOST_COUNTED_CALL();
     Lock lock(StateMutex());
     KeyRef ref;
     if (LSTATUS rc = Resolve(hKey, &ref)) {
@@ -467,6 +474,7 @@ LSTATUS WINAPI RegDeleteValueW(HKEY hKey, LPCWSTR lpValueName)
 // an open key (a file or printer handle, a closed key) is ERROR_INVALID_HANDLE.
 LSTATUS WINAPI RegCloseKey(HKEY hKey)
 {
+    QLM_HOST_COUNTED_CALL();
     if (hKey && IsPredefined(hKey)) {
         return ERROR_SUCCESS;
     }

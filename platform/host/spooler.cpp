@@ -273,6 +273,7 @@ extern "C" {
 // be NULL. Access rights are recorded but not enforced.
 BOOL WINAPI OpenPrinterW(LPWSTR pPrinterName, LPHANDLE phPrinter, LPPRINTER_DEFAULTSW pDefault)
 {
+    QLM_HOST_COUNTED_CALL();
     if (!phPrinter) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
@@ -298,6 +299,7 @@ BOOL WINAPI OpenPrinterW(LPWSTR pPrinterName, LPHANDLE phPrinter, LPPRINTER_DEFA
 // TRUE; FALSE with ERROR_INVALID_HANDLE for anything but an open printer handle.
 BOOL WINAPI ClosePrinter(HANDLE hPrinter)
 {
+    QLM_HOST_COUNTED_CALL();
     if (!RemoveHandle(hPrinter, HandleKind::Printer)) {
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
@@ -313,6 +315,7 @@ BOOL WINAPI ClosePrinter(HANDLE hPrinter)
 BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD Level, LPBYTE pPrinter, DWORD cbBuf,
                         LPDWORD pcbNeeded)
 {
+    QLM_HOST_COUNTED_CALL();
     Lock lock(StateMutex());
     DWORD error = ERROR_SUCCESS;
     const Model* model = nullptr;
@@ -361,6 +364,7 @@ BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD Level, LPBYTE pPrinter, DWORD cbB
 // than 65535 bytes in all, is ERROR_INVALID_PARAMETER. Only level 2 with Command 0 is known.
 BOOL WINAPI SetPrinterW(HANDLE hPrinter, DWORD Level, LPBYTE pPrinter, DWORD Command)
 {
+    QLM_HOST_COUNTED_CALL();
     Lock lock(StateMutex());
     const PrinterObject* handle = PrinterHandle(hPrinter);
     DWORD error = ERROR_SUCCESS;
@@ -437,6 +441,7 @@ BOOL WINAPI SetPrinterW(HANDLE hPrinter, DWORD Level, LPBYTE pPrinter, DWORD Com
 DWORD WINAPI GetPrinterDataW(HANDLE hPrinter, LPWSTR pValueName, LPDWORD pType, LPBYTE pData,
                              DWORD nSize, LPDWORD pcbNeeded)
 {
+    QLM_HOST_COUNTED_CALL();
     return GetData(hPrinter, kDriverDataKey, pValueName, pType, pData, nSize, pcbNeeded);
 }
 
@@ -444,6 +449,7 @@ DWORD WINAPI GetPrinterDataW(HANDLE hPrinter, LPWSTR pValueName, LPDWORD pType, 
 DWORD WINAPI SetPrinterDataW(HANDLE hPrinter, LPWSTR pValueName, DWORD Type, LPBYTE pData,
                              DWORD cbData)
 {
+    QLM_HOST_COUNTED_CALL();
     return SetData(hPrinter, kDriverDataKey, pValueName, Type, pData, cbData);
 }
 
@@ -455,6 +461,7 @@ DWORD WINAPI SetPrinterDataW(HANDLE hPrinter, LPWSTR pValueName, DWORD Type, LPB
 DWORD WINAPI GetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValueName, LPDWORD pType,
                                LPBYTE pData, DWORD nSize, LPDWORD pcbNeeded)
 {
+    QLM_HOST_COUNTED_CALL();
     return GetData(hPrinter, pKeyName ? pKeyName : u"", pValueName, pType, pData, nSize, pcbNeeded);
 }
 
@@ -463,6 +470,7 @@ DWORD WINAPI GetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValue
 DWORD WINAPI SetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValueName, DWORD Type,
                                LPBYTE pData, DWORD cbData)
 {
+    QLM_HOST_COUNTED_CALL();
     return SetData(hPrinter, pKeyName ? pKeyName : u"", pValueName, Type, pData, cbData);
 }
 
@@ -473,6 +481,7 @@ DWORD WINAPI SetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValue
 BOOL WINAPI EnumPortsW(LPWSTR pName, DWORD Level, LPBYTE pPorts, DWORD cbBuf, LPDWORD pcbNeeded,
                        LPDWORD pcReturned)
 {
+    QLM_HOST_COUNTED_CALL();
     Lock lock(StateMutex());
     DWORD error = ERROR_SUCCESS;
     if (Level != 1 && Level != 2) {
@@ -538,6 +547,7 @@ BOOL WINAPI EnumPortsW(LPWSTR pName, DWORD Level, LPBYTE pPorts, DWORD cbBuf, LP
 BOOL WINAPI GetPrinterDriverDirectoryW(LPWSTR pName, LPWSTR pEnvironment, DWORD Level,
                                        LPBYTE pDriverDirectory, DWORD cbBuf, LPDWORD pcbNeeded)
 {
+    QLM_HOST_COUNTED_CALL();
     const char16_t* sub = DriverSubdirectory(pEnvironment);
     DWORD error = ERROR_SUCCESS;
     if (Level != 1) {

@@ -60,6 +60,7 @@ extern const Command g_DevmodeConvertCommand;
 extern const Command g_SheetCommand;
 extern const Command g_BatchCommand;
 extern const Command g_ProbeCommand;
+extern const Command g_BenchCommand;
 int BatchCommand(Args& args, const Options& options);
 
 // Prints "qlmhost: message" to standard error and returns the exit code 1 or 2.

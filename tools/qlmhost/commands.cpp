@@ -577,6 +577,7 @@ const Command g_Commands[] = {
     g_SheetCommand,
     g_BatchCommand,
     g_ProbeCommand,
+    g_BenchCommand,
     {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
      DevmodeLayout},
     {"devmode new", "PRINTER [--json]",

@@ -6,6 +6,7 @@
 #include "platform/win32.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 class DriverLibrary
@@ -15,6 +16,7 @@ public:
     // Loads the library and calls DllMain(DLL_PROCESS_ATTACH). False with *error on failure.
     bool Load(const std::string& path, std::string* error);
     void* Export(const char* name) const;
+    void* Handle() const { return m_handle; }
     template <typename F> F* Entry(const char* name) const
     {
         return reinterpret_cast<F*>(Export(name));
@@ -48,3 +50,9 @@ private:
 // "the driver wrote N bytes past the end of the B-byte buffer it was given for WHAT", or
 // empty when the guard is whole.
 std::string OverrunMessage(const GuardedBuffer& buffer, const std::string& what);
+
+// Counting the driver's spooler and registry calls: from StartCallCounts on, TakeCallCounts
+// gives the calls by name since the last take and starts again. Each platform counts its own
+// way: the host in its names, Windows in the driver module's imports.
+bool StartCallCounts(const DriverLibrary& driver, std::string* error);
+std::vector<std::pair<std::string, long long>> TakeCallCounts();

@@ -29,6 +29,7 @@ const Command g_Commands[] = {
     g_SheetCommand,
     g_BatchCommand,
     g_ProbeCommand,
+    g_BenchCommand,
 };
 const size_t g_cCommands = sizeof(g_Commands) / sizeof(g_Commands[0]);
 
