@@ -10,37 +10,21 @@ bash scripts/package-win64.sh >/dev/null
 work=$PWD/build/screenshots
 rm -rf "$work"
 mkdir -p "$work/shots"
-export WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
-xvfb_pid=""
-cleanup() {
-  timeout 20 wineserver -k 2>/dev/null || true
-  [ -n "$xvfb_pid" ] && kill "$xvfb_pid" 2>/dev/null || true
-  rm -rf "$work/prefix"
-  return 0
-}
-trap cleanup EXIT
-display=90
-while [ -e "/tmp/.X11-unix/X$display" ] || [ -e "/tmp/.X$display-lock" ]; do
-  display=$((display + 1))
-done
-Xvfb ":$display" -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
-xvfb_pid=$!
-export DISPLAY=":$display"
-timeout 180 wineboot -i >/dev/null 2>&1
-qlmwin() { timeout 120 wine build/win64/tools/qlmwin/qlmwin.exe "$@" | tr -d '\r'; }
+. scripts/wine-prefix.sh "$work/prefix"
+_qlmwin() { qlmwin "$@" | tr -d '\r'; }
 
 # No printer listens on this loopback address, so the first opening asks for one.
 printf 'Plan 2440\tTarvo Plan Output System 2440\nPlan 2440 IP\tTarvo Plan Output System 2440\tIP_127.0.0.250\n' \
   >"$work/queues.list"
-qlmwin port add IP_127.0.0.250 >/dev/null
-qlmwin install --inf build/win64/package/QLMUIDrv.inf --queues "$work/queues.list" >/dev/null
+_qlmwin port add IP_127.0.0.250 >/dev/null
+_qlmwin install --inf build/win64/package/QLMUIDrv.inf --queues "$work/queues.list" >/dev/null
 
 # shot NAME PRINTER SHEET-ARGS... < SCRIPT: the first window the script meets, as NAME.png.
 shot() {
   local name=$1 printer=$2
   shift 2
   rm -f "$work/shots/"*.bmp
-  QLMWIN_SNAPSHOTS="$(winepath -w "$work/shots")" qlmwin sheet "$printer" "$@" --script - >/dev/null || true
+  QLMWIN_SNAPSHOTS="$(winepath -w "$work/shots")" _qlmwin sheet "$printer" "$@" --script - >/dev/null || true
   [ -e "$work/shots/01.bmp" ] || { echo "no picture of $name" >&2; exit 1; }
   convert "$work/shots/01.bmp" "docs/screenshots/$name.png"
 }

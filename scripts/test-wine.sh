@@ -19,33 +19,10 @@ bash scripts/package-win64.sh >/dev/null
 work=$PWD/build/wine
 rm -rf "$work"
 mkdir -p "$work/host"
-export WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
-export WINEDLLOVERRIDES="mscoree,mshtml="
-xvfb_pid=""
-cleanup() {
-  # Only what this script started: the prefix's wineserver and its X server.
-  timeout 20 wineserver -k 2>/dev/null || true
-  [ -n "$xvfb_pid" ] && kill "$xvfb_pid" 2>/dev/null || true
-  [ -z "${QLM_WINE_KEEP:-}" ] && rm -rf "$work/prefix"
-  return 0
-}
-trap cleanup EXIT
-
-# A display of our own: the first number with no X server behind it.
-display=90
-while [ -e "/tmp/.X11-unix/X$display" ] || [ -e "/tmp/.X$display-lock" ]; do
-  display=$((display + 1))
-done
-Xvfb ":$display" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
-xvfb_pid=$!
-export DISPLAY=":$display"
-
 start=$(date +%s)
-timeout 180 wineboot -i >/dev/null 2>&1
-timeout 20 wineserver -p 2>/dev/null || true
+. scripts/wine-prefix.sh "$work/prefix"
 
 qlmhost() { build/host/tools/qlmhost/qlmhost --home "$work/host" "$@"; }
-qlmwin() { timeout "${QLM_WINE_TIMEOUT:-180}" wine build/win64/tools/qlmwin/qlmwin.exe "$@"; }
 
 echo "== install: the package's INF under Wine, the same queues on the host"
 # Network ports first: one of the standard TCP/IP monitor's on each platform.

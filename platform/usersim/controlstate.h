@@ -33,6 +33,7 @@ std::string DumpControls(const std::vector<ControlState>& controls);
 // Text quoted for a dump line: quotes, backslashes and control characters escaped.
 std::string QuoteText(const std::u16string& text);
 
+// Conversions that never fail: malformed input becomes U+FFFD.
 std::string Utf16ToUtf8(const std::u16string& text);
 std::u16string Utf8ToUtf16(const std::string& text);
 

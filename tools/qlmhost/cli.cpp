@@ -153,6 +153,32 @@ OpenedPrinter::~OpenedPrinter()
         ClosePrinter(m_handle);
 }
 
+void PrintUsage(const char* header)
+{
+    printf("%s\ncommands:\n", header);
+    for (size_t i = 0; i < g_cCommands; i++)
+        printf("  %-14s %s\n  %-14s   %s\n", g_Commands[i].name, g_Commands[i].usage, "",
+               g_Commands[i].summary);
+}
+
+int GlobalUsageError(const std::string& message)
+{
+    fprintf(stderr, "%s: %s (see %s --help)\n", g_pszToolName, message.c_str(), g_pszToolName);
+    return 2;
+}
+
+bool IsHelp(const std::string& word)
+{
+    return word == "--help" || word == "-h" || word == "help";
+}
+
+void PrintCommandHelp(const Command& command)
+{
+    printf("usage: %s %s %s\n  %s\n", g_pszToolName, command.name, command.usage, command.summary);
+    if (command.details)
+        printf("  %s\n", command.details);
+}
+
 const Command* MatchCommand(const std::vector<std::string>& words, size_t start, size_t* used)
 {
     const Command* command = nullptr;

@@ -102,6 +102,14 @@ bool ParseNumber(const std::string& text, long long low, long long high, long lo
 bool StoredRecord(HANDLE hPrinter, std::vector<BYTE>* info, std::vector<BYTE>* record,
                   std::string* error);
 
+// The tool's usage: its own lines, then the command table.
+void PrintUsage(const char* header);
+// A command line that cannot be read: exit code 2, as for a command's own usage errors.
+int GlobalUsageError(const std::string& message);
+bool IsHelp(const std::string& word);
+// "usage: TOOL COMMAND USAGE", its summary and details.
+void PrintCommandHelp(const Command& command);
+
 // The command that words, from start on, name: the longest name they begin with ("printer add"
 // before "printer"). *used is the count of words the name took; null when none matches.
 const Command* MatchCommand(const std::vector<std::string>& words, size_t start, size_t* used);

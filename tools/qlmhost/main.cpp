@@ -18,26 +18,12 @@ namespace {
 
 void PrintHelp()
 {
-    printf("usage: qlmhost [--home DIR] [--user NAME] [--metric|--us] [--os-major N]\n"
-           "               [--driver-lib PATH] [--address TEXT] COMMAND ... [--json]\n\n"
-           "State lives in DIR (default $QLMHOST_HOME, else ~/.qlmhost). --address answers the\n"
-           "printer address dialog of a refresh that reaches no printer, as if typed and "
-           "OK'd.\n\ncommands:\n");
-    for (size_t i = 0; i < g_cCommands; i++)
-        printf("  %-14s %s\n  %-14s   %s\n", g_Commands[i].name, g_Commands[i].usage, "",
-               g_Commands[i].summary);
-}
-
-// A command line that cannot be read: exit code 2, as for a command's own usage errors.
-int GlobalUsageError(const std::string& message)
-{
-    fprintf(stderr, "qlmhost: %s (see qlmhost --help)\n", message.c_str());
-    return 2;
-}
-
-bool IsHelp(const std::string& word)
-{
-    return word == "--help" || word == "-h" || word == "help";
+    PrintUsage(
+        "usage: qlmhost [--home DIR] [--user NAME] [--metric|--us] [--os-major N]\n"
+        "               [--driver-lib PATH] [--address TEXT] COMMAND ... [--json]\n\n"
+        "State lives in DIR (default $QLMHOST_HOME, else ~/.qlmhost). --address answers the\n"
+        "printer address dialog of a refresh that reaches no printer, as if typed and "
+        "OK'd.\n");
 }
 
 } // namespace
@@ -91,9 +77,7 @@ int main(int argc, char** argv)
 
     Args args(std::vector<std::string>(words.begin() + i + used, words.end()));
     if (args.Flag("--help") || args.Flag("-h")) {
-        printf("usage: qlmhost %s %s\n  %s\n", command->name, command->usage, command->summary);
-        if (command->details)
-            printf("  %s\n", command->details);
+        PrintCommandHelp(*command);
         return 0;
     }
     // Help leaves no trace: the store is opened only for a command that runs.

@@ -37,23 +37,8 @@ namespace {
 
 void PrintHelp()
 {
-    printf("usage: qlmwin [--driver-lib PATH] COMMAND ... [--json]\n\n"
-           "The driver library is the installed QLMUIDrv.dll unless --driver-lib names one.\n\n"
-           "commands:\n");
-    for (size_t i = 0; i < g_cCommands; i++)
-        printf("  %-14s %s\n  %-14s   %s\n", g_Commands[i].name, g_Commands[i].usage, "",
-               g_Commands[i].summary);
-}
-
-int GlobalUsageError(const std::string& message)
-{
-    fprintf(stderr, "qlmwin: %s (see qlmwin --help)\n", message.c_str());
-    return 2;
-}
-
-bool IsHelp(const std::string& word)
-{
-    return word == "--help" || word == "-h" || word == "help";
+    PrintUsage("usage: qlmwin [--driver-lib PATH] COMMAND ... [--json]\n\n"
+               "The driver library is the installed QLMUIDrv.dll unless --driver-lib names one.\n");
 }
 
 // The configuration file the spooler loads: ...\spool\drivers\x64\3\QLMUIDrv.dll.
@@ -109,9 +94,7 @@ int wmain(int argc, wchar_t** argv)
         return GlobalUsageError("unknown command '" + words[i] + "'");
     Args args(std::vector<std::string>(words.begin() + i + used, words.end()));
     if (args.Flag("--help") || args.Flag("-h")) {
-        printf("usage: qlmwin %s %s\n  %s\n", command->name, command->usage, command->summary);
-        if (command->details)
-            printf("  %s\n", command->details);
+        PrintCommandHelp(*command);
         return 0;
     }
     options.json = args.Flag("--json");
