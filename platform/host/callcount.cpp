@@ -2,31 +2,33 @@
 #include "hostinternal.h"
 
 #include <map>
+#include <vector>
 
 namespace host::detail {
 
 namespace {
 
-struct Counts
+// Every counter made so far; a name's counter is made on its first call.
+std::vector<CallCounter*>& Counters()
 {
-    std::map<std::string, long long> byName;
-};
-
-Counts& State()
-{
-    static auto* counts = new Counts;
-    return *counts;
+    static auto* counters = new std::vector<CallCounter*>;
+    return *counters;
 }
 
 thread_local int t_depth = 0;
 
 } // namespace
 
-CountedCall::CountedCall(const char* name)
+CallCounter::CallCounter(const char* name) : name(name)
+{
+    Lock lock(StateMutex());
+    Counters().push_back(this);
+}
+
+CountedCall::CountedCall(CallCounter& counter)
 {
     if (t_depth++ == 0) {
-        Lock lock(StateMutex());
-        ++State().byName[name];
+        counter.count.fetch_add(1, std::memory_order_relaxed);
     }
 }
 
@@ -42,14 +44,21 @@ namespace host {
 std::vector<std::pair<std::string, long long>> CallCounts()
 {
     detail::Lock lock(detail::StateMutex());
-    const auto& byName = detail::State().byName;
+    std::map<std::string, long long> byName;
+    for (const detail::CallCounter* counter : detail::Counters()) {
+        if (long long count = counter->count.load(std::memory_order_relaxed)) {
+            byName[counter->name] += count;
+        }
+    }
     return {byName.begin(), byName.end()};
 }
 
 void ResetCallCounts()
 {
     detail::Lock lock(detail::StateMutex());
-    detail::State().byName.clear();
+    for (detail::CallCounter* counter : detail::Counters()) {
+        counter->count.store(0, std::memory_order_relaxed);
+    }
 }
 
 } // namespace host

@@ -4,6 +4,7 @@
 
 #include "host.h"
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -18,17 +19,29 @@ namespace host::detail {
 std::recursive_mutex& StateMutex();
 using Lock = std::lock_guard<std::recursive_mutex>;
 
-// Counts a call of a spooler or registry name made from outside the host: a name that the host
-// itself calls while one is running is not counted again.
+// The count of one spooler or registry name: made once, where the name is, and listed for
+// host::CallCounts. Counting is an atomic increment, so the names stay as quick as they were.
+class CallCounter
+{
+public:
+    explicit CallCounter(const char* name);
+    const char* name;
+    std::atomic<long long> count{0};
+};
+
+// Counts a call made from outside the host: a name that the host itself calls while serving
+// one is not counted again.
 class CountedCall
 {
 public:
-    explicit CountedCall(const char* name);
+    explicit CountedCall(CallCounter& counter);
     ~CountedCall();
     CountedCall(const CountedCall&) = delete;
     CountedCall& operator=(const CountedCall&) = delete;
 };
-#define QLM_HOST_COUNTED_CALL() ::host::detail::CountedCall countedCall_(__func__)
+#define QLM_HOST_COUNTED_CALL()                                                                    \
+    static ::host::detail::CallCounter counter_(__func__);                                         \
+    ::host::detail::CountedCall countedCall_(counter_)
 
 // ---- UTF-16 text ---------------------------------------------------------------------------
 inline size_t WLen(const WCHAR* s)
