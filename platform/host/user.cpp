@@ -87,7 +87,7 @@ int WINAPI MessageBoxW(HWND hWnd, LPCWSTR lpText, LPCWSTR lpCaption, UINT uType)
     size_t index = (uType & MB_DEFMASK) >> 8;
     int defaultButton = index < buttons->size() ? (*buttons)[index] : buttons->front();
     int scripted = 0;
-    if (host::detail::TakeScriptedMessageBoxAnswer(*buttons, defaultButton, &scripted)) {
+    if (host::detail::TakeScriptedMessageBoxAnswer(call.text, *buttons, defaultButton, &scripted)) {
         call.answer = scripted;
     } else if (!state.answers.empty()) {
         call.answer = state.answers.front();

@@ -96,59 +96,20 @@ void ChooseWithArrow(HWND control, bool down)
     SendMessageW(control, CB_SETCURSEL, WPARAM(next), 0);
 }
 
-bool Expect(HWND control, const WindowPtr& w, const UserAction& action)
-{
-    const std::string& what = action.text;
-    std::string name = Describe(action);
-    if (what == "enabled" || what == "disabled") {
-        bool enabled = IsWindowEnabled(control);
-        return enabled == (what == "enabled") ||
-               Fail(action, name + " is " + (enabled ? "enabled" : "disabled"));
-    }
-    if (what == "visible" || what == "hidden") {
-        bool visible = IsWindowVisible(control);
-        return visible == (what == "visible") ||
-               Fail(action, name + " is " + (visible ? "visible" : "hidden"));
-    }
-    if (what == "checked" || what == "unchecked") {
-        if (w->kind != ControlKind::Button) {
-            return Fail(action, name + " is not a button");
-        }
-        bool checked = SendMessageW(control, BM_GETCHECK, 0, 0) == BST_CHECKED;
-        return checked == (what == "checked") ||
-               Fail(action, name + " is " + (checked ? "checked" : "unchecked"));
-    }
-    if (what == "data") {
-        if (w->kind != ControlKind::ComboBox && w->kind != ControlKind::ListBox) {
-            return Fail(action, name + " is not a list");
-        }
-        bool combo = w->kind == ControlKind::ComboBox;
-        auto sel = SendMessageW(control, combo ? CB_GETCURSEL : LB_GETCURSEL, 0, 0);
-        if (sel < 0) {
-            return Fail(action, name + " has no item selected");
-        }
-        auto data = SendMessageW(control, combo ? CB_GETITEMDATA : LB_GETITEMDATA, WPARAM(sel), 0);
-        return data == LRESULT(action.number) ||
-               Fail(action, name + " has data " + std::to_string(data) + " selected");
-    }
-    // text TEXT
-    std::string want = what.substr(5);
-    int length = GetWindowTextLengthW(control);
-    std::u16string text(size_t(length) + 1, u'\0');
-    text.resize(size_t(GetWindowTextW(control, text.data(), length + 1)));
-    std::string have = Utf16ToUtf8(text);
-    return have == want || Fail(action, name + " has text \"" + have + "\"");
-}
-
 } // namespace
 
-bool TakeScriptedMessageBoxAnswer(const std::vector<int>& buttons, int defaultButton, int* answer)
+bool TakeScriptedMessageBoxAnswer(const std::u16string& text, const std::vector<int>& buttons,
+                                  int defaultButton, int* answer)
 {
     UserAction action;
     if (!PeekUserAction(&action) || action.verb != "answer") {
         return false;
     }
     TakeUserAction(&action);
+    std::string message = Utf16ToUtf8(text);
+    if (message.find(action.expected) == std::string::npos) {
+        RecordUserScriptFailure(action, "the message box says " + usersim::QuoteText(text));
+    }
     auto has = [&](int b) { return std::find(buttons.begin(), buttons.end(), b) != buttons.end(); };
     const std::string& a = action.text;
     int wanted = a == "yes"      ? IDYES
@@ -274,7 +235,8 @@ bool PerformUserAction(HWND window, const UserAction& action)
     }
     const std::string& verb = action.verb;
     if (verb == "expect") {
-        return Expect(control, w, action);
+        std::string failure;
+        return usersim::CheckExpectation(control, action, &failure) || Fail(action, failure);
     }
     if (!IsWindowVisible(control)) {
         return Fail(action, name + " is hidden");

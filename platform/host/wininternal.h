@@ -244,9 +244,11 @@ INT_PTR RunModal(HWND dialog);
 // there but cannot be clicked.
 bool PressDialogButton(HWND dialog, int id);
 
-// The answer of the script for a message box with these buttons, if its next action is
-// `answer`: true with *answer set (the box's default when the answer is not a button of it).
-bool TakeScriptedMessageBoxAnswer(const std::vector<int>& buttons, int defaultButton, int* answer);
+// The answer of the script for a message box of this text and these buttons, if its next action
+// is `answer`: true with *answer set (the box's default when the answer is not a button of it).
+// A text the answer expects and the message lacks is a failure of the script.
+bool TakeScriptedMessageBoxAnswer(const std::u16string& text, const std::vector<int>& buttons,
+                                  int defaultButton, int* answer);
 // The script's next `file` action: true with *path empty for `file cancel`.
 bool TakeScriptedFile(std::optional<std::u16string>* path);
 

@@ -111,6 +111,54 @@ void DescribeList(HWND c, DWORD style, bool combo, ControlState* s)
 
 } // namespace
 
+bool CheckExpectation(HWND control, const UserAction& action, std::string* failure)
+{
+    const std::string& what = action.text;
+    const std::string name = "control " + std::to_string(action.id);
+    const std::string kind = ClassName(control);
+    auto fail = [&](const std::string& message) {
+        *failure = message;
+        return false;
+    };
+    if (what == "enabled" || what == "disabled") {
+        bool enabled = IsWindowEnabled(control);
+        return enabled == (what == "enabled") ||
+               fail(name + " is " + (enabled ? "enabled" : "disabled"));
+    }
+    if (what == "visible" || what == "hidden") {
+        bool visible = IsWindowVisible(control);
+        return visible == (what == "visible") ||
+               fail(name + " is " + (visible ? "visible" : "hidden"));
+    }
+    if (what == "focused") {
+        // A combo box's focus lies in its edit.
+        HWND focus = GetFocus();
+        return focus == control || (focus && IsChild(control, focus)) ||
+               fail(name + " does not have the focus");
+    }
+    if (what == "checked" || what == "unchecked") {
+        if (kind != "Button")
+            return fail(name + " is not a button");
+        bool checked = SendMessageW(control, BM_GETCHECK, 0, 0) == BST_CHECKED;
+        return checked == (what == "checked") ||
+               fail(name + " is " + (checked ? "checked" : "unchecked"));
+    }
+    if (what == "data") {
+        if (kind != "ComboBox" && kind != "ListBox")
+            return fail(name + " is not a list");
+        bool combo = kind == "ComboBox";
+        LRESULT sel = SendMessageW(control, combo ? CB_GETCURSEL : LB_GETCURSEL, 0, 0);
+        if (sel < 0)
+            return fail(name + " has no item selected");
+        LRESULT data = SendMessageW(control, combo ? CB_GETITEMDATA : LB_GETITEMDATA, sel, 0);
+        return data == LRESULT(action.number) ||
+               fail(name + " has data " + std::to_string(data) + " selected");
+    }
+    // "text TEXT"
+    std::string have = Utf16ToUtf8(WindowText(control));
+    return have == what.substr(5) || fail(name + " has text \"" + have + "\"");
+}
+
 std::vector<ControlState> DescribeControls(HWND window)
 {
     std::vector<ControlState> states;

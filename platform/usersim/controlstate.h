@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../win32.h"
+#include "userscript.h"
 
 #include <string>
 #include <utility>
@@ -21,6 +22,10 @@ struct ControlState
     std::vector<std::pair<std::u16string, long long>> items;
     long long position = 0, rangeMin = 0, rangeMax = 0;
 };
+
+// Whether an "expect" action holds for the control; false with the failure's words, which
+// both platforms report alike ("control 1004 has data 274 selected").
+bool CheckExpectation(HWND control, const UserAction& action, std::string* failure);
 
 // The child controls of window in z-order.
 std::vector<ControlState> DescribeControls(HWND window);

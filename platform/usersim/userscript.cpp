@@ -179,10 +179,12 @@ bool ParseLine(const std::string& raw, int line, UserAction* action, std::string
         return true;
     }
     if (verb == "answer") {
+        // answer WORD [TEXT]: the button, and a text the message must hold.
         action->text = Word(&rest);
+        action->expected = Trim(rest);
         for (const char* a : kAnswers) {
             if (action->text == a) {
-                return nothingMore();
+                return true;
             }
         }
         *why = "'answer' needs yes, no, ok, cancel, retry, ignore, abort or continue";
@@ -203,7 +205,7 @@ bool ParseLine(const std::string& raw, int line, UserAction* action, std::string
         action->text = Word(&rest);
         const std::string& what = action->text;
         if (what == "enabled" || what == "disabled" || what == "checked" || what == "unchecked" ||
-            what == "visible" || what == "hidden") {
+            what == "visible" || what == "hidden" || what == "focused") {
             return nothingMore();
         }
         if (what == "text") {
@@ -213,8 +215,8 @@ bool ParseLine(const std::string& raw, int line, UserAction* action, std::string
         if (what == "data") {
             return number("the item data") && nothingMore();
         }
-        *why = "'expect' needs enabled, disabled, checked, unchecked, visible, hidden, text or "
-               "data";
+        *why = "'expect' needs enabled, disabled, checked, unchecked, visible, hidden, focused, "
+               "text or data";
         return false;
     }
     *why = "unknown action '" + verb + "'";

@@ -3,10 +3,11 @@
 //
 // A script is text, one action a line; `#` starts a comment, blank lines are ignored. Actions:
 // tab ID, click ID, check ID, uncheck ID, select ID DATA (the item whose data is DATA),
-// select-text ID TEXT, type ID TEXT, key ID CHAR|backspace|space|down|up, spin ID up|down [COUNT], slide ID POS, menu COMMAND,
-// answer yes|no|ok|cancel|retry|ignore|abort|continue, file PATH, file cancel, ok, cancel,
-// apply, expect ID enabled|disabled|checked|unchecked|visible|hidden|text TEXT|data DATA.
-// Numbers are decimal or 0x hex; TEXT is the rest of the line.
+// select-text ID TEXT, type ID TEXT, key ID CHAR|backspace|space|down|up, spin ID up|down [COUNT],
+// slide ID POS, menu COMMAND, answer yes|no|ok|cancel|retry|ignore|abort|continue [TEXT] (TEXT:
+// what the message must hold), file PATH, file cancel, ok, cancel, apply, expect ID
+// enabled|disabled|checked|unchecked|visible|hidden|focused|text TEXT|data DATA. Numbers are
+// decimal or 0x hex; TEXT is the rest of the line.
 #pragma once
 
 #include <string>
@@ -21,6 +22,7 @@ struct UserAction
     long long number = 0;
     std::string text;
     int line = 0;
+    std::string expected; // answer: a text the message box must hold
 };
 
 // Parses a whole script; false with "line N: ..." in *error (when given) and nothing appended.

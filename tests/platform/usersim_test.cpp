@@ -175,7 +175,7 @@ TEST(UserScriptTest, ParsesActionsAndNamesTheLineOfAnError)
          "line 1: 'answer' needs yes, no, ok, cancel, retry, ignore, abort or continue"},
         {"key 1001 ab", "line 1: 'key' needs one character, backspace, space, down or up"},
         {"expect 1001 shiny", "line 1: 'expect' needs enabled, disabled, checked, unchecked, "
-                              "visible, hidden, text or data"},
+                              "visible, hidden, focused, text or data"},
         {"file", "line 1: 'file' needs a path or cancel"},
     };
     ASSERT_TRUE(host::SetUserScript("ok", &error));
@@ -196,12 +196,15 @@ TEST_F(UserSimTest, ModalRunTakesTheScriptAsAPersonsInput)
            "spin 1003 up 2\n"
            "slide 1011 40\n"
            "type 1005 10.0.0.9\n"
+           "expect 1005 focused\n"
            "expect 1002 text 3\n"
            "expect 1004 data 273\n"
+           "expect 1004 focused\n"
            "ok\n"
            "answer no\n");
     EXPECT_EQ(IDOK, Run());
-    EXPECT_THAT(host::UserScriptFailures(), IsEmpty());
+    EXPECT_THAT(host::UserScriptFailures(),
+                ElementsAre("line 11: control 1004 does not have the focus"));
     EXPECT_EQ(u"Plotter 7", g_out.name);
     EXPECT_EQ(273, g_out.paperData);
     EXPECT_TRUE(g_out.collate);
@@ -340,11 +343,13 @@ TEST_F(UserSimTest, ControlActionsRaiseAPersonsNotifications)
 
 TEST_F(UserSimTest, MessageBoxesAndFilePickersTakeTheirScriptedAnswers)
 {
-    Script("answer no\nanswer retry\nfile cancel\nfile C:\\plot.plt\n");
-    EXPECT_EQ(IDNO, MessageBoxW(nullptr, u"Save?", u"Q", MB_YESNO));
+    Script("answer no Save\nanswer retry\nanswer ok Saved\nfile cancel\nfile C:\\plot.plt\n");
+    EXPECT_EQ(IDNO, MessageBoxW(nullptr, u"Save the plot?", u"Q", MB_YESNO));
     EXPECT_EQ(IDOK, MessageBoxW(nullptr, u"Done", u"Q", MB_OK)) << "not a button: the default";
+    EXPECT_EQ(IDOK, MessageBoxW(nullptr, u"Not saved", u"Q", MB_OK));
     EXPECT_THAT(host::UserScriptFailures(),
-                ElementsAre("line 2: the message box has no retry button"));
+                ElementsAre("line 2: the message box has no retry button",
+                            "line 3: the message box says \"Not saved\""));
     WCHAR path[MAX_PATH] = {};
     OPENFILENAMEW ofn{};
     ofn.lStructSize = sizeof ofn;

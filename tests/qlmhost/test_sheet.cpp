@@ -58,3 +58,30 @@ TEST_F(SheetCommand, AScriptLineThatDoesNotHoldFailsTheRunByItsNumber)
     EXPECT_EQ(1, unreadable.rc);
     EXPECT_NE(std::string::npos, unreadable.err.find("line 1:")) << unreadable.err;
 }
+
+TEST_F(SheetCommand, ACaseGivesTheSheetTheQueuesRecordWithItsFieldsSet)
+{
+    // Each kind of field: a number, a distance, a text, a list and a finisher program's name.
+    const std::string fields[][2] = {{"dmCopies", "3"},
+                                     {"dmxUnprintableMargin[2]", "0.5"},
+                                     {"dmxLabelText", "Sheet <PAGE>"},
+                                     {"dmxFontList", "Arial|Stick"},
+                                     {"dmxFinisher.programs[1].name", "FOLD_210"}};
+    std::string text = "#: printer P\n#: result 1\n";
+    for (const auto& field : fields)
+        text += "#: set " + field[0] + " " + field[1] + "\n#: record " + field[0] + " " + field[1] +
+                "\n";
+    Outcome run = Real({"sheet", "--case", Script(text + "ok\n")});
+    EXPECT_EQ(0, run.rc) << run.out << run.err;
+
+    // A field the record lacks, a value its field cannot hold, a text longer than its field.
+    const std::string refused[][2] = {
+        {"dmxNoSuchField 1", "no field dmxNoSuchField"},
+        {"dmCopies 70000", "no value of dmCopies"},
+        {"dmxJBAUser " + std::string(33, 'u'), "holds 32 characters"}};
+    for (const auto& [line, why] : refused) {
+        Outcome bad = Real({"sheet", "--case", Script("#: printer P\n#: set " + line + "\nok\n")});
+        EXPECT_EQ(1, bad.rc) << line;
+        EXPECT_NE(std::string::npos, bad.err.find(why)) << bad.err;
+    }
+}

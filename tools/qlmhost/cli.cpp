@@ -15,6 +15,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
 
 bool Args::Take(const std::string& name, std::string* value)
 {
@@ -84,6 +87,19 @@ bool Expect(Args& args, const char* command, size_t minWords, size_t maxWords, i
                          n < minWords ? "missing arguments" : "too many arguments");
         return false;
     }
+    return true;
+}
+
+bool ReadTextFile(const std::string& path, std::string* text)
+{
+    if (path == "-") {
+        *text = std::string(std::istreambuf_iterator<char>(std::cin), {});
+        return true;
+    }
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        return false;
+    *text = std::string(std::istreambuf_iterator<char>(file), {});
     return true;
 }
 
@@ -287,14 +303,9 @@ std::string OneLine(std::string text)
 
 int RunBatch(const std::string& path, const Options& options)
 {
-    FILE* file = fopen(path.c_str(), "rb");
-    if (!file)
-        return Fail("cannot read the batch file '" + path + "'");
     std::string content;
-    char buffer[4096];
-    for (size_t n; (n = fread(buffer, 1, sizeof(buffer), file)) > 0;)
-        content.append(buffer, n);
-    fclose(file);
+    if (!ReadTextFile(path, &content))
+        return Fail("cannot read the batch file '" + path + "'");
 
     int failed = 0;
     size_t start = 0;

@@ -70,6 +70,9 @@ const Command& FindCommand(const char* name);
 // Checks the positional count and that no unknown option is left; prints usage otherwise.
 bool Expect(Args& args, const char* command, size_t minWords, size_t maxWords, int* rc);
 
+// The whole of a file, or of standard input for "-"; false when it cannot be read.
+bool ReadTextFile(const std::string& path, std::string* text);
+
 // Equal without regard to the case of ASCII letters.
 bool SameWord(const char* a, const char* b);
 

@@ -9,8 +9,6 @@
 #include "tests/fixtures/testdialogs.h"
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -139,10 +137,9 @@ int ProbeCommand(Args& args, const Options& options)
     int rc;
     if (!Expect(args, "probe", 0, 0, &rc))
         return rc;
-    std::ifstream file(casePath, std::ios::binary);
-    if (!file)
+    std::string script;
+    if (!ReadTextFile(casePath, &script))
         return Fail("cannot read the script '" + casePath + "'");
-    std::string script(std::istreambuf_iterator<char>(file), {});
     ScriptCase scriptCase;
     if (!ParseScriptCase(script, &scriptCase, &error))
         return Fail(casePath + ": " + error);

@@ -2,6 +2,7 @@
 
 #include "platform/usersim/controlstate.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -426,39 +427,183 @@ void FieldsToText(std::string& out, const std::string& prefix, const DEVMODEEX_F
 
 } // namespace
 
+namespace {
+
+// "NAME" or "NAME[I]": the name and the element index (0 without one).
+bool SplitIndex(const std::string& path, std::string* name, DWORD* index)
+{
+    *index = 0;
+    size_t open = path.find('[');
+    if (open == std::string::npos) {
+        *name = path;
+        return !path.empty();
+    }
+    if (path.back() != ']' || open == 0 || open + 2 >= path.size())
+        return false;
+    char* end = nullptr;
+    unsigned long value = strtoul(path.c_str() + open + 1, &end, 10);
+    if (end != path.c_str() + path.size() - 1 || value > 0xFFFF)
+        return false;
+    *name = path.substr(0, open);
+    *index = static_cast<DWORD>(value);
+    return true;
+}
+
+const DEVMODEEX_FIELD* FindIn(const DEVMODEEX_FIELD* fields, size_t cFields,
+                              const std::string& name)
+{
+    for (size_t i = 0; i < cFields; i++)
+        if (name == fields[i].pszName)
+            return &fields[i];
+    return nullptr;
+}
+
+// Where a named field lies in the record: its table row, its offset from the record's start
+// and the element index. The finisher's fields are "dmxFinisher.NAME" and
+// "dmxFinisher.programs[I].NAME".
+struct FieldPlace
+{
+    const DEVMODEEX_FIELD* field = nullptr;
+    size_t offset = 0;
+    DWORD index = 0;
+};
+
+bool LocateField(const std::string& path, FieldPlace* place)
+{
+    const std::string kFinisher = "dmxFinisher.";
+    const std::string kPrograms = "programs[";
+    const DEVMODEEX_FIELD* fields = g_DevmodeFields;
+    size_t cFields = g_cDevmodeFields;
+    std::string rest = path;
+    size_t base = 0;
+    if (path.compare(0, kFinisher.size(), kFinisher) == 0) {
+        base = offsetof(DEVMODEEX, dmxFinisher);
+        fields = g_FinisherInfoFields;
+        cFields = g_cFinisherInfoFields;
+        rest = path.substr(kFinisher.size());
+        if (rest.compare(0, kPrograms.size(), kPrograms) == 0) {
+            size_t close = rest.find("].");
+            std::string program;
+            DWORD i = 0;
+            if (close == std::string::npos ||
+                !SplitIndex(rest.substr(0, close + 1), &program, &i) || i >= kFINISHER_MAX_PROGRAMS)
+                return false;
+            base += offsetof(TVOFinisherInfo, programs) + i * sizeof(TVOFinisherProgram);
+            fields = g_FinisherProgramFields;
+            cFields = g_cFinisherProgramFields;
+            rest = rest.substr(close + 2);
+        }
+    }
+    std::string name;
+    if (!SplitIndex(rest, &name, &place->index))
+        return false;
+    place->field = FindIn(fields, cFields, name);
+    if (!place->field || place->field->eKind == kDMF_FINISHER || place->field->eKind == kDMF_BYTES)
+        return false;
+    bool whole = place->field->eKind == kDMF_TEXT || place->field->eKind == kDMF_LIST;
+    if (whole ? place->index != 0 : place->index >= place->field->cbSize / place->field->cbElement)
+        return false;
+    place->offset = base + place->field->dwOffset;
+    return true;
+}
+
+// A decimal number, or 0x hex; a fixed-point field takes thousandths as a decimal fraction.
+bool ParseFieldNumber(const std::string& text, bool fixed, long long* value)
+{
+    if (text.empty())
+        return false;
+    const char* s = text.c_str();
+    char* end = nullptr;
+    if (!fixed) {
+        errno = 0;
+        *value = strtoll(s, &end, 0);
+        return errno == 0 && *end == 0;
+    }
+    bool negative = *s == '-';
+    if (*s == '-' || *s == '+')
+        ++s;
+    long long whole = 0, fraction = 0;
+    int digits = 0;
+    for (; *s >= '0' && *s <= '9'; ++s, ++digits)
+        whole = whole * 10 + (*s - '0');
+    if (*s == '.') {
+        long long scale = 100;
+        for (++s; *s >= '0' && *s <= '9'; ++s, ++digits, scale /= 10)
+            fraction += (*s - '0') * scale;
+    }
+    if (*s || digits == 0 || digits > 12)
+        return false;
+    *value = (negative ? -1 : 1) * (whole * 1000 + fraction);
+    return true;
+}
+
+} // namespace
+
 bool RecordFieldText(const BYTE* record, size_t cb, const std::string& name, std::string* text)
 {
-    std::string field = name;
-    DWORD index = 0;
-    size_t open = name.find('[');
-    if (open != std::string::npos) {
-        if (name.back() != ']' || open + 2 >= name.size())
-            return false;
-        char* end = nullptr;
-        unsigned long value = strtoul(name.c_str() + open + 1, &end, 10);
-        if (end != name.c_str() + name.size() - 1)
-            return false;
-        field = name.substr(0, open);
-        index = static_cast<DWORD>(value);
-    }
-    for (size_t i = 0; i < g_cDevmodeFields; i++) {
-        const DEVMODEEX_FIELD& f = g_DevmodeFields[i];
-        if (field != f.pszName || f.eKind == kDMF_FINISHER || f.eKind == kDMF_BYTES ||
-            f.eKind == kDMF_LIST || size_t(f.dwOffset) + f.cbSize > cb)
-            continue;
-        const BYTE* p = record + f.dwOffset;
-        if (f.eKind == kDMF_TEXT) {
-            if (index)
-                return false;
-            *text = usersim::Utf16ToUtf8(BoundedText(p, f.cbSize / 2));
-            return true;
-        }
-        if (index >= f.cbSize / f.cbElement)
-            return false;
-        *text = ElementText(p, f, index);
+    FieldPlace place;
+    if (!LocateField(name, &place) || place.offset + place.field->cbSize > cb)
+        return false;
+    const BYTE* p = record + place.offset;
+    switch (place.field->eKind) {
+    case kDMF_TEXT:
+        *text = usersim::Utf16ToUtf8(BoundedText(p, place.field->cbSize / 2));
+        return true;
+    case kDMF_LIST:
+        text->clear();
+        for (const std::u16string& item : BoundedList(p, place.field->cbSize / 2))
+            *text += (text->empty() ? "" : "|") + usersim::Utf16ToUtf8(item);
+        return true;
+    default:
+        *text = ElementText(p, *place.field, place.index);
         return true;
     }
-    return false;
+}
+
+bool SetRecordField(BYTE* record, size_t cb, const std::string& name, const std::string& text,
+                    std::string* error)
+{
+    FieldPlace place;
+    if (!LocateField(name, &place) || place.offset + place.field->cbSize > cb) {
+        *error = "the record has no field " + name;
+        return false;
+    }
+    const DEVMODEEX_FIELD& field = *place.field;
+    BYTE* p = record + place.offset;
+    if (field.eKind == kDMF_TEXT || field.eKind == kDMF_LIST) {
+        // A list's names are joined by "|"; each is stored with its NUL, and an empty one ends it.
+        std::u16string units;
+        if (field.eKind == kDMF_TEXT) {
+            units = usersim::Utf8ToUtf16(text);
+        } else {
+            size_t start = 0;
+            while (start < text.size()) {
+                size_t bar = text.find('|', start);
+                if (bar == std::string::npos)
+                    bar = text.size();
+                units += usersim::Utf8ToUtf16(text.substr(start, bar - start)) + u'\0';
+                start = bar + 1;
+            }
+            units += u'\0';
+        }
+        if (units.size() * 2 > field.cbSize) {
+            *error = name + " holds " + std::to_string(field.cbSize / 2) + " characters";
+            return false;
+        }
+        memset(p, 0, field.cbSize);
+        memcpy(p, units.data(), units.size() * 2);
+        return true;
+    }
+    long long value = 0;
+    const long long bits = 8 * field.cbElement;
+    if (!ParseFieldNumber(text, field.eKind == kDMF_FIXED, &value) ||
+        value < -(1LL << (bits - 1)) || value >= (1LL << bits)) {
+        *error = "'" + text + "' is no value of " + name;
+        return false;
+    }
+    uint32_t element = static_cast<uint32_t>(value);
+    memcpy(p + place.index * field.cbElement, &element, field.cbElement);
+    return true;
 }
 
 std::string RecordAsText(const BYTE* record, size_t cb)

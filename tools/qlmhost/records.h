@@ -62,9 +62,15 @@ std::string RecordAsJson(const BYTE* record, size_t cb);
 void RecordToJson(JsonWriter& json, const char* key, const BYTE* record, size_t cb);
 
 // One field of the record as text, by its name, with an element index for arrays
-// ("dmxRollWidth[1]"): numbers as the record's text shows them, texts as UTF-8. False for a
-// name the record has no such field or element by, or one beyond its first cb bytes.
+// ("dmxRollWidth[1]"): numbers as the record's text shows them, texts as UTF-8, lists as their
+// names joined by "|". The finisher's fields are "dmxFinisher.Model" and
+// "dmxFinisher.programs[2].name". False for a name the record has no such field or element
+// by, or one beyond its first cb bytes.
 bool RecordFieldText(const BYTE* record, size_t cb, const std::string& name, std::string* text);
+// Sets a field named as RecordFieldText names it from such a text (numbers also in 0x hex).
+// False with *error for an unknown field, a value the field cannot hold or a text too long.
+bool SetRecordField(BYTE* record, size_t cb, const std::string& name, const std::string& text,
+                    std::string* error);
 
 // What the record is to this driver: "this driver's current layout", ... "not a record of
 // this driver".

@@ -42,14 +42,15 @@ bool ParseDirective(const std::string& word, const std::string& rest, ScriptCase
             return false;
         }
         c->result = value;
-    } else if (word == "record") {
+    } else if (word == "record" || word == "set") {
         size_t space = rest.find_first_of(" \t");
         if (rest.empty()) {
-            *why = "'record' needs a field and its text";
+            *why = "'" + word + "' needs a field and its text";
             return false;
         }
-        c->record.emplace_back(rest.substr(0, space),
-                               space == std::string::npos ? "" : Trim(rest.substr(space + 1)));
+        (word == "set" ? c->set : c->record)
+            .emplace_back(rest.substr(0, space),
+                          space == std::string::npos ? "" : Trim(rest.substr(space + 1)));
     } else if (word == "wine-skip" && !rest.empty()) {
         c->wineSkip = rest;
     } else {

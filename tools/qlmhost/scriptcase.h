@@ -6,6 +6,8 @@
 //   #: sheet document     or device (default document)
 //   #: mode FLAGS         the document sheet's fMode, as --mode takes it
 //   #: result N           the sheet's result: 1 OK, 0 Cancel
+//   #: set FIELD TEXT     the document sheet is given the queue's record with this field
+//                         set (as pdmIn, one line a field), as records are printed
 //   #: record FIELD TEXT  a field of the record the caller gets, as records are printed;
 //                         FIELD may carry an element index, dmxRollWidth[1]
 //   #: wine-skip REASON   a defect of Wine's, written down in docs/wine.md: not run there
@@ -22,6 +24,7 @@ struct ScriptCase
     bool device = false;
     std::string mode; // empty: the runner's default
     std::optional<long long> result;
+    std::vector<std::pair<std::string, std::string>> set;
     std::vector<std::pair<std::string, std::string>> record;
     std::string wineSkip;
 };

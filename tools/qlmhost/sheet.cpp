@@ -9,9 +9,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <sstream>
 
 namespace {
@@ -53,19 +50,6 @@ bool ParseMode(const std::string& text, DWORD* mode)
     return !text.empty();
 }
 
-bool ReadScript(const std::string& path, std::string* text)
-{
-    if (path == "-") {
-        *text = std::string(std::istreambuf_iterator<char>(std::cin), {});
-        return true;
-    }
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        return false;
-    *text = std::string(std::istreambuf_iterator<char>(file), {});
-    return true;
-}
-
 void PageToJson(JsonWriter& json, const SheetPageReport& page)
 {
     json.BeginObject();
@@ -85,6 +69,22 @@ void PrintPageText(const SheetPageReport& page)
            usersim::DumpControls(page.controls).c_str());
 }
 
+// The queue's stored record with the fields of the case's "#: set" lines, as the caller's
+// record of a document sheet.
+bool CaseRecord(HANDLE hPrinter, const ScriptCase& scriptCase, std::vector<uint8_t>* input,
+                std::string* error)
+{
+    std::vector<BYTE> info, record;
+    if (!StoredRecord(hPrinter, &info, &record, error))
+        return false;
+    record.resize(sizeof(DEVMODEEX), 0);
+    for (const auto& [field, text] : scriptCase.set)
+        if (!SetRecordField(record.data(), record.size(), field, text, error))
+            return false;
+    input->assign(record.begin(), record.end());
+    return true;
+}
+
 } // namespace
 
 int SheetCommand(Args& args, const Options& options)
@@ -102,7 +102,7 @@ int SheetCommand(Args& args, const Options& options)
     if (hasCase && hasScript)
         return UsageError(FindCommand("sheet"), "--case brings its own script");
     std::string script, error;
-    if ((hasScript || hasCase) && !ReadScript(hasCase ? casePath : scriptPath, &script))
+    if ((hasScript || hasCase) && !ReadTextFile(hasCase ? casePath : scriptPath, &script))
         return Fail("cannot read the script '" + (hasCase ? casePath : scriptPath) + "'");
     // A case names its printer, sheet and mode; the command line's words come first.
     ScriptCase scriptCase;
@@ -122,6 +122,9 @@ int SheetCommand(Args& args, const Options& options)
     std::vector<uint8_t> input;
     if (hasIn && !ReadRecordFile(inPath, &input, &error))
         return Fail(error);
+    if (hasCase && !scriptCase.set.empty() && (device || hasIn))
+        return Fail(casePath + ": '#: set' gives the document sheet its record; it goes with " +
+                    "neither the device sheet nor --in");
     // The driver reads a record of its own size: a shorter one goes with zeros behind it.
     if (!input.empty() && input.size() < sizeof(DEVMODEEX))
         input.resize(sizeof(DEVMODEEX), 0);
@@ -137,6 +140,8 @@ int SheetCommand(Args& args, const Options& options)
     OpenedPrinter printer(name);
     if (!printer.get())
         return Fail("no printer named '" + name + "'");
+    if (!scriptCase.set.empty() && !CaseRecord(printer.get(), scriptCase, &input, &error))
+        return Fail(casePath + ": " + error);
 
     GuardedBuffer out(sizeof(DEVMODEEX));
     DOCUMENTPROPERTYHEADER document = {};
@@ -228,12 +233,15 @@ extern const Command g_SheetCommand = {
     "  (a file, or - for standard input) has one action a line, # starts a comment:\n"
     "    tab ID | click ID | check ID | uncheck ID | select ID DATA | select-text ID TEXT\n"
     "    type ID TEXT | key ID CHAR | spin ID up|down [COUNT] | slide ID POS | menu COMMAND\n"
-    "    answer yes|no|ok|cancel|retry|ignore | file PATH | file cancel | ok | cancel | apply\n"
-    "    expect ID enabled|disabled|checked|unchecked|text TEXT|data DATA\n"
+    "    answer yes|no|ok|cancel|retry|ignore [TEXT] | file PATH | file cancel | ok | cancel\n"
+    "    apply | expect ID enabled|disabled|checked|unchecked|visible|hidden|focused\n"
+    "    expect ID text TEXT|data DATA\n"
+    "  An answer's TEXT is a part the message must hold.\n"
     "  A dialog opened by an action takes the actions that follow until it ends. Without\n"
     "  actions left the sheet ends as Cancel. Prints the result and the record the caller\n"
     "  gets (the queue's stored record for --device); --dump adds each page's controls.\n"
     "  Exit 1 when a script line fails (its line number is named on standard error).\n"
     "  --case runs a script case: its lines \"#: printer NAME\", \"#: sheet device\",\n"
-    "  \"#: mode FLAGS\" choose the sheet, and \"#: result N\", \"#: record FIELD TEXT\" say\n"
-    "  what must come out; what does not is a failure."};
+    "  \"#: mode FLAGS\" choose the sheet, \"#: set FIELD TEXT\" sets a field of the queue's\n"
+    "  record given as pdmIn, and \"#: result N\", \"#: record FIELD TEXT\" say what must come\n"
+    "  out; what does not is a failure."};

@@ -261,7 +261,7 @@ LONG_PTR ScriptedSheet::ComPropSheet(UINT function, LPARAM lParam1, LPARAM lPara
     }
 }
 
-// The window the next action is for: the thread's active window, or a popup menu.
+// The window the next action is for: the thread's active window, when it takes input.
 HWND ScriptedSheet::Target() const
 {
     HWND active = GetActiveWindow();
@@ -361,6 +361,12 @@ void ScriptedSheet::Perform(HWND target, const UserAction& action)
         } kAnswers[] = {
             {"yes", IDYES},     {"no", IDNO},         {"ok", IDOK},       {"cancel", IDCANCEL},
             {"retry", IDRETRY}, {"ignore", IDIGNORE}, {"abort", IDABORT}, {"continue", IDCONTINUE}};
+        // The message's text is the static 0xFFFF of the box, on Windows as under Wine.
+        WCHAR text[1024] = {};
+        GetDlgItemTextW(target, 0xFFFF, text, 1024);
+        std::u16string message(reinterpret_cast<const char16_t*>(text));
+        if (usersim::Utf16ToUtf8(message).find(action.expected) == std::string::npos)
+            Fail(action, "the message box says " + usersim::QuoteText(message));
         for (const auto& row : kAnswers) {
             if (action.text != row.word)
                 continue;

@@ -23,14 +23,6 @@ std::string ClassOf(HWND window)
     return utf8;
 }
 
-HWND FindControl(HWND window, int id)
-{
-    for (HWND c = GetWindow(window, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
-        if (GetDlgCtrlID(c) == id)
-            return c;
-    return nullptr;
-}
-
 LPARAM Point(int x, int y)
 {
     return MAKELPARAM(x, y);
@@ -126,56 +118,11 @@ bool DragThumb(HWND trackbar, int position)
     return int(SendMessageW(trackbar, TBM_GETPOS, 0, 0)) == position;
 }
 
-bool Expect(HWND control, const std::string& kind, const UserAction& action, std::string* failure)
-{
-    const std::string& what = action.text;
-    std::string name = "control " + std::to_string(action.id);
-    auto fail = [&](const std::string& message) {
-        *failure = message;
-        return false;
-    };
-    if (what == "enabled" || what == "disabled") {
-        bool enabled = IsWindowEnabled(control);
-        return enabled == (what == "enabled") ||
-               fail(name + " is " + (enabled ? "enabled" : "disabled"));
-    }
-    if (what == "visible" || what == "hidden") {
-        bool visible = IsWindowVisible(control);
-        return visible == (what == "visible") ||
-               fail(name + " is " + (visible ? "visible" : "hidden"));
-    }
-    if (what == "checked" || what == "unchecked") {
-        if (kind != "button")
-            return fail(name + " is not a button");
-        bool checked = SendMessageW(control, BM_GETCHECK, 0, 0) == BST_CHECKED;
-        return checked == (what == "checked") ||
-               fail(name + " is " + (checked ? "checked" : "unchecked"));
-    }
-    if (what == "data") {
-        if (kind != "combobox" && kind != "listbox")
-            return fail(name + " is not a list");
-        bool combo = kind == "combobox";
-        LRESULT sel = SendMessageW(control, combo ? CB_GETCURSEL : LB_GETCURSEL, 0, 0);
-        if (sel < 0)
-            return fail(name + " has no item selected");
-        LRESULT data = SendMessageW(control, combo ? CB_GETITEMDATA : LB_GETITEMDATA, sel, 0);
-        return data == LRESULT(action.number) ||
-               fail(name + " has data " + std::to_string(data) + " selected");
-    }
-    std::string want = what.substr(5);
-    int length = GetWindowTextLengthW(control);
-    std::vector<WCHAR> text(size_t(length) + 1, 0);
-    int got = GetWindowTextW(control, text.data(), length + 1);
-    std::string have = usersim::Utf16ToUtf8(
-        std::u16string(reinterpret_cast<const char16_t*>(text.data()), size_t(got > 0 ? got : 0)));
-    return have == want || fail(name + " has text \"" + have + "\"");
-}
-
 } // namespace
 
 bool PressButton(HWND window, int id)
 {
-    HWND button = FindControl(window, id);
+    HWND button = GetDlgItem(window, id);
     if (!button || !IsWindowVisible(button) || !IsWindowEnabled(button))
         return false;
     PostMessageW(button, BM_CLICK, 0, 0);
@@ -193,7 +140,7 @@ void TypeText(HWND edit, const std::string& utf8)
 
 bool PerformControlAction(HWND window, const UserAction& action, std::string* failure)
 {
-    HWND control = FindControl(window, action.id);
+    HWND control = GetDlgItem(window, action.id);
     std::string name = "control " + std::to_string(action.id);
     auto fail = [&](const std::string& message) {
         *failure = message;
@@ -204,7 +151,7 @@ bool PerformControlAction(HWND window, const UserAction& action, std::string* fa
     const std::string kind = ClassOf(control);
     const std::string& verb = action.verb;
     if (verb == "expect")
-        return Expect(control, kind, action, failure);
+        return usersim::CheckExpectation(control, action, failure);
     if (!IsWindowVisible(control))
         return fail(name + " is hidden");
     if (!IsWindowEnabled(control))
@@ -280,11 +227,7 @@ bool PerformControlAction(HWND window, const UserAction& action, std::string* fa
         HWND buddy = reinterpret_cast<HWND>(SendMessageW(control, UDM_GETBUDDY, 0, 0));
         if (buddy)
             SetFocus(buddy);
-        // "spin ID up|down [COUNT]"; a bare delta of the older form presses once per step.
-        bool up = action.text.empty() ? action.number > 0 : action.text == "up";
-        long long count = action.text.empty() ? (action.number < 0 ? -action.number : action.number)
-                                              : std::max(1LL, action.number);
-        PressArrow(control, up, count);
+        PressArrow(control, action.text == "up", action.number);
         return true;
     }
     if (verb == "slide") {
