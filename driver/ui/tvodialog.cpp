@@ -234,6 +234,46 @@ void TVODialog::OnHelp(HWND hWnd, WPARAM wParam, const HELPINFO* helpInfo)
     Trace(TEXT("HtmlHelp(%s, %d) returns %p"), path, popup.idString, static_cast<void*>(hHelp));
 }
 
+eDistanceUnits TVODialog::DisplayUnits() const
+{
+    const DWORD eDistanceUnits = m_pDM ? m_pDM->dmxUnits : kDISTANCE_INCHES;
+    ASSERT(eDistanceUnits == kDISTANCE_MM || eDistanceUnits == kDISTANCE_INCHES);
+    return eDistanceUnits == kDISTANCE_MM ? kFIXED_MM : kFIXED_INCHES;
+}
+
+TVOFixed TVODialog::GetDistanceText(int editId, int cch)
+{
+    WCHAR text[64] = {};
+    GetDlgItemTextW(m_hWnd, editId, text, cch < 64 ? cch : 64);
+    return TVOFixed(text);
+}
+
+void TVODialog::SetDistanceText(int editId, TVOFixed value)
+{
+    SetDlgItemTextW(m_hWnd, editId, value.toString(DisplayUnits()));
+}
+
+void TVODialog::SpinDistanceField(int editId, int delta, TVOFixed minimum, TVOFixed maximum,
+                                  int cch)
+{
+    TVOFixed value = GetDistanceText(editId, cch);
+    value.spinDistanceUnits(DisplayUnits(), delta);
+    if (value > maximum)
+        value = maximum;
+    if (value < minimum)
+        value = minimum;
+    SetDistanceText(editId, value);
+}
+
+void TVODialog::SetUnitTexts(const int* ids, int count)
+{
+    if (!m_pConfig)
+        return;
+    const UINT unit = DisplayUnits() == kFIXED_MM ? IDS_UNITS_MM : IDS_UNITS_INCHES;
+    for (int i = 0; i < count; ++i)
+        SetDlgItemTextW(m_hWnd, ids[i], m_pConfig->getResourceString(unit));
+}
+
 INT_PTR CALLBACK TVODialogProcedure(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     TVODialog* pDlg = nullptr;

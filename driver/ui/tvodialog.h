@@ -46,6 +46,19 @@ public:
     // WM_HELP: the control's topic of the help file, as a popup.
     void OnHelp(HWND hWnd, WPARAM wParam, const HELPINFO* helpInfo);
 
+    // Distance fields, which show and take values in the record's display units dmxUnits.
+    // The units; any other value of dmxUnits asserts and counts as inches.
+    eDistanceUnits DisplayUnits() const;
+    // The field's text, at most cch characters, parsed as typed.
+    TVOFixed GetDistanceText(int editId, int cch = 32);
+    // The value's text form in the display units.
+    void SetDistanceText(int editId, TVOFixed value);
+    // An up-down's click on a distance field: the text spun by delta in the display units,
+    // held to maximum and then to minimum, and written back.
+    void SpinDistanceField(int editId, int delta, TVOFixed minimum, TVOFixed maximum, int cch = 32);
+    // The display unit's name (5302 inches, 5304 millimetres) into each of count controls.
+    void SetUnitTexts(const int* ids, int count);
+
     HWND m_hWnd = nullptr;
     WNDPROC m_wpOrigEditProc = nullptr;
     int m_iResourceID = 0;
