@@ -410,7 +410,7 @@ INT_PTR RunModal(HWND dialog)
             if (!PressDialogButton(dialog, verb == "ok" ? IDOK : IDCANCEL)) {
                 RecordUserScriptFailure(action, "the " + verb + " button is disabled or hidden");
             }
-        } else if (verb == "tab" || verb == "apply") {
+        } else if (verb == "tab" || verb == "apply" || verb == "expect-apply") {
             RecordUserScriptFailure(action, "'" + verb + "' does not apply to a dialog");
             endAsCancel();
         } else if (verb == "answer" || verb == "file" || verb == "menu") {

@@ -368,6 +368,11 @@ LONG Sheet::Run(HWND hWndOwner, LPDWORD pResult)
                                                   "the window has no apply button to press");
                 else
                     ApplyAll(false);
+            } else if (action.verb == "expect-apply") {
+                const bool lit = !m_changed.empty();
+                if (lit != (action.text == "lit"))
+                    host::RecordUserScriptFailure(action, std::string("the Apply button is ") +
+                                                              (lit ? "lit" : "unlit"));
             } else if (action.verb == "tab") {
                 size_t index = IndexOfTemplate(action.id);
                 if (index == SIZE_MAX)

@@ -198,6 +198,15 @@ bool ParseLine(const std::string& raw, int line, UserAction* action, std::string
         }
         return true;
     }
+    if (verb == "expect-apply") {
+        // The sheet's Apply button: lit once a page has reported a change.
+        action->text = Word(&rest);
+        if (action->text != "lit" && action->text != "unlit") {
+            *why = "'expect-apply' needs lit or unlit";
+            return false;
+        }
+        return nothingMore();
+    }
     if (verb == "expect") {
         if (!id()) {
             return false;

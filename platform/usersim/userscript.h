@@ -6,8 +6,9 @@
 // select-text ID TEXT, type ID TEXT, key ID CHAR|backspace|space|down|up, spin ID up|down [COUNT],
 // slide ID POS, menu COMMAND, answer yes|no|ok|cancel|retry|ignore|abort|continue [TEXT] (TEXT:
 // what the message must hold), file PATH, file cancel, ok, cancel, apply, expect ID
-// enabled|disabled|checked|unchecked|visible|hidden|focused|text TEXT|data DATA. Numbers are
-// decimal or 0x hex; TEXT is the rest of the line.
+// enabled|disabled|checked|unchecked|visible|hidden|focused|text TEXT|data DATA, expect-apply
+// lit|unlit (the sheet's Apply button). Numbers are decimal or 0x hex; TEXT is the rest of the
+// line.
 #pragma once
 
 #include <string>

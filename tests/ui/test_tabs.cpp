@@ -192,11 +192,13 @@ const std::string kBannerList = std::to_string(IDC_JOB_BANNER);
 // lights Apply, and Cancel leaves it lit and the caller's record as it was.
 TEST_F(Tabs, OnlyAPersonsEditLightsApply)
 {
-    host::SheetRun quiet = Run(kPromptDocument, FALSE, "tab 102\ntab 101\ncancel\n");
+    host::SheetRun quiet =
+        Run(kPromptDocument, FALSE, "tab 102\ntab 101\nexpect-apply unlit\ncancel\n");
     EXPECT_FALSE(quiet.applyEnabled);
     EXPECT_EQ(3, m_sheet.paperFills) << "at creation and at each of its two activations";
 
-    host::SheetRun edited = Run(kPromptDocument, FALSE, "type " + kCopies + " 7\ncancel\n");
+    host::SheetRun edited =
+        Run(kPromptDocument, FALSE, "type " + kCopies + " 7\nexpect-apply lit\ncancel\n");
     EXPECT_TRUE(edited.applyEnabled);
     EXPECT_EQ(1, m_target.dmPublic.dmCopies) << "Cancel writes nothing to the caller";
 }

@@ -235,7 +235,7 @@ extern const Command g_SheetCommand = {
     "    type ID TEXT | key ID CHAR | spin ID up|down [COUNT] | slide ID POS | menu COMMAND\n"
     "    answer yes|no|ok|cancel|retry|ignore [TEXT] | file PATH | file cancel | ok | cancel\n"
     "    apply | expect ID enabled|disabled|checked|unchecked|visible|hidden|focused\n"
-    "    expect ID text TEXT|data DATA\n"
+    "    expect ID text TEXT|data DATA | expect-apply lit|unlit\n"
     "  An answer's TEXT is a part the message must hold.\n"
     "  A dialog opened by an action takes the actions that follow until it ends. Without\n"
     "  actions left the sheet ends as Cancel. Prints the result and the record the caller\n"

@@ -338,6 +338,14 @@ void ScriptedSheet::Perform(HWND target, const UserAction& action)
             Fail(action, "the window has no " + verb + " button to press");
         return;
     }
+    if (verb == "expect-apply") {
+        const bool lit = IsSheet(target) && IsWindowEnabled(GetDlgItem(target, kApplyButton));
+        if (!IsSheet(target))
+            Fail(action, "'expect-apply' is for the property sheet");
+        else if (lit != (action.text == "lit"))
+            Fail(action, std::string("the Apply button is ") + (lit ? "lit" : "unlit"));
+        return;
+    }
     if (verb == "tab") {
         int index = IsSheet(target) ? PageIndexOf(action.id) : -1;
         if (index < 0) {
