@@ -19,17 +19,24 @@ printf 'Plan 2440\tTarvo Plan Output System 2440\nPlan 2440 IP\tTarvo Plan Outpu
 _qlmwin port add IP_127.0.0.250 >/dev/null
 _qlmwin install --inf build/win64/package/QLMUIDrv.inf --queues "$work/queues.list" >/dev/null
 
-# shot NAME PRINTER SHEET-ARGS... < SCRIPT: the first window the script meets, as NAME.png.
+# shot "NAME..." PRINTER SHEET-ARGS... < SCRIPT: the windows the script meets, and the sheet
+# once for each page shown, in that order, one NAME.png each.
 shot() {
-  local name=$1 printer=$2
+  local names=$1 printer=$2 n=0 name
   shift 2
   rm -f "$work/shots/"*.bmp
   QLMWIN_SNAPSHOTS="$(winepath -w "$work/shots")" _qlmwin sheet "$printer" "$@" --script - >/dev/null || true
-  [ -e "$work/shots/01.bmp" ] || { echo "no picture of $name" >&2; exit 1; }
-  convert "$work/shots/01.bmp" "docs/screenshots/$name.png"
+  for name in $names; do
+    n=$((n + 1))
+    local bmp
+    bmp=$(printf '%s/shots/%02d.bmp' "$work" "$n")
+    [ -e "$bmp" ] || { echo "no picture of $name" >&2; exit 1; }
+    convert "$bmp" "docs/screenshots/$name.png"
+  done
 }
 mkdir -p docs/screenshots
-shot document-sheet "Plan 2440" <<<'ok'
+# The sheet opens on its first page, the graphics tab.
+shot "document-sheet rendering-tab" "Plan 2440" <<<$'tab 104\nok'
 shot device-sheet "Plan 2440" --device <<<'ok'
 shot address-dialog "Plan 2440 IP" <<<$'cancel\ncancel'
 ls docs/screenshots

@@ -10,6 +10,8 @@
 #include "../foundation/qlmutils.h"
 #include "../ui/tvoabout.h"
 #include "../ui/tvodialoginfo.h"
+#include "../ui/tvograph.h"
+#include "../ui/tvorendr.h"
 #include "../../resources/qlmres.h"
 
 #include <algorithm>
@@ -33,11 +35,22 @@ TVOTab* MakeAboutTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
     return new (std::nothrow) TVOAboutTab(lpdi, pConfig, 0);
 }
 
+TVOTab* MakeGraphicsTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
+{
+    return new (std::nothrow) TVOGraphicsTab(lpdi, pConfig, 0);
+}
+
+TVOTab* MakeRenderTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
+{
+    return new (std::nothrow) TVORenderTab(lpdi, pConfig, 0);
+}
+
 const TabRow kTabs[] = {
     {IDD_PAPER_TAB, &TVOPrinterConfiguration::m_bShowPaperTab, nullptr, "pPaperTab != 0"},
     {IDD_JOB_TAB, &TVOPrinterConfiguration::m_bShowJobTab, nullptr, "pJobTab != 0"},
-    {IDD_GRAPHICS_TAB, &TVOPrinterConfiguration::m_bShowGraphicsTab, nullptr, "pGraphicsTab != 0"},
-    {IDD_RENDER_TAB, &TVOPrinterConfiguration::m_bShowRenderTab, nullptr, "pRenderTab != 0"},
+    {IDD_GRAPHICS_TAB, &TVOPrinterConfiguration::m_bShowGraphicsTab, MakeGraphicsTab,
+     "pGraphicsTab != 0"},
+    {IDD_RENDER_TAB, &TVOPrinterConfiguration::m_bShowRenderTab, MakeRenderTab, "pRenderTab != 0"},
     {IDD_DEVICE_TAB, &TVOPrinterConfiguration::m_bShowDeviceTab, nullptr, "pDeviceTab != 0"},
     {IDD_ABOUT_TAB, &TVOPrinterConfiguration::m_bShowDeviceTab, MakeAboutTab, "pAboutTab != 0"},
 };
