@@ -10,6 +10,7 @@
 #include "../foundation/qlmutils.h"
 #include "../ui/tvoabout.h"
 #include "../ui/tvodialoginfo.h"
+#include "../ui/tvopaper.h"
 #include "../../resources/qlmres.h"
 
 #include <algorithm>
@@ -28,13 +29,18 @@ struct TabRow
     const char* pszAssertion;
 };
 
+TVOTab* MakePaperTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
+{
+    return new (std::nothrow) TVOPaperTab(lpdi, pConfig);
+}
+
 TVOTab* MakeAboutTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
 {
     return new (std::nothrow) TVOAboutTab(lpdi, pConfig, 0);
 }
 
 const TabRow kTabs[] = {
-    {IDD_PAPER_TAB, &TVOPrinterConfiguration::m_bShowPaperTab, nullptr, "pPaperTab != 0"},
+    {IDD_PAPER_TAB, &TVOPrinterConfiguration::m_bShowPaperTab, MakePaperTab, "pPaperTab != 0"},
     {IDD_JOB_TAB, &TVOPrinterConfiguration::m_bShowJobTab, nullptr, "pJobTab != 0"},
     {IDD_GRAPHICS_TAB, &TVOPrinterConfiguration::m_bShowGraphicsTab, nullptr, "pGraphicsTab != 0"},
     {IDD_RENDER_TAB, &TVOPrinterConfiguration::m_bShowRenderTab, nullptr, "pRenderTab != 0"},
