@@ -36,7 +36,7 @@ constexpr int kMAX_COPIES = 999;
 constexpr int kCOPIES_CCH = 3;
 constexpr int kCOPIES_READ_CCH = 63;
 constexpr int kFORM_NAME_READ_CCH = 31; // dmFormName keeps 30 characters of the row
-constexpr int kCAPTION_CCH = 260;
+constexpr int kCAPTION_CCH = 260;       // the tab's caption, 259 characters at most
 constexpr int kROW_CCH = 256;
 
 // The families in the order they go in front of the list: the last one put in stands first.
@@ -272,7 +272,7 @@ void TVOPaperTab::OnListChange(HWND hWnd, int id, UINT codeNotify)
         // Finishing goes with the default media type only.
         if (m_pDM->dmxFinishing != 0 && value != 0) {
             WCHAR caption[kCAPTION_CCH] = {};
-            GetWindowTextW(hWnd, caption, kCAPTION_CCH - 1);
+            GetWindowTextW(hWnd, caption, kCAPTION_CCH);
             WCHAR text[kROW_CCH * 2];
             WstrCopy(text, kROW_CCH * 2, m_pConfig->getResourceString(IDS_MEDIA_ENDS_FINISHING));
             if (MessageBoxW(hWnd, text, caption, MB_YESNO | MB_ICONINFORMATION) != IDYES) {
@@ -355,7 +355,7 @@ void TVOPaperTab::OnCustomise()
     const INT_PTR result = dlg.doModal(m_hWnd);
     if (!dlg.m_bCustomMediaAllowed && m_pConfig) {
         WCHAR caption[kCAPTION_CCH] = {};
-        GetWindowTextW(m_hWnd, caption, kCAPTION_CCH - 1);
+        GetWindowTextW(m_hWnd, caption, kCAPTION_CCH);
         WCHAR text[kROW_CCH * 2];
         WstrCopy(text, kROW_CCH * 2, m_pConfig->getResourceString(IDS_PAPER_CUSTOM_NOT_STORED));
         MessageBoxW(m_hWnd, text, caption, MB_ICONINFORMATION);
