@@ -72,7 +72,10 @@ grep -v -x -F -f <(cut -f1 "$work/skipped.list") "$work/cases.list" >"$work/case
 echo "== the host answers $(wc -l <"$work/cases.list") cases"
 qlmhost batch "$work/cases.list" >"$work/host.out"
 echo "== Wine answers $(wc -l <"$work/cases.wine.list") cases"
-qlmwin batch "$work/cases.wine.list" | tr -d '\r' >"$work/wine.out"
+# A sheet script under Wine takes a few seconds (a case of many dialogs up to ten); the batch's
+# time-out grows with their number, so that only a case that hangs ends it.
+sheets=$(grep -c '^\(sheet\|probe\) ' "$work/cases.wine.list" || true)
+QLM_WINE_TIMEOUT=$((180 + 15 * sheets)) qlmwin batch "$work/cases.wine.list" | tr -d '\r' >"$work/wine.out"
 
 # Each output line is "COMMAND<TAB>ANSWER". A case passes when the host's answer reports no
 # failure and, unless skipped on Wine, Wine's answer is the same text.
