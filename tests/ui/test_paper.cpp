@@ -91,7 +91,8 @@ protected:
         DWORD result = 0;
         CommonPropertySheetUIW(nullptr, PaperSheetUI, 0, &result);
         List list;
-        for (const auto& c : host::LastSheetRun().pages.at(0).controls) {
+        const host::SheetRun run = host::LastSheetRun();
+        for (const auto& c : run.pages.at(0).controls) {
             if (c.id != listId)
                 continue;
             for (const auto& item : c.items)
