@@ -19,17 +19,24 @@ printf 'Plan 2440\tTarvo Plan Output System 2440\nPlan 2440 IP\tTarvo Plan Outpu
 _qlmwin port add IP_127.0.0.250 >/dev/null
 _qlmwin install --inf build/win64/package/QLMUIDrv.inf --queues "$work/queues.list" >/dev/null
 
-# shot NAME PRINTER SHEET-ARGS... < SCRIPT: the first window the script meets, as NAME.png.
+# shot NAME PRINTER SHEET-ARGS... < SCRIPT: the first window the script meets, as NAME.png;
+# with SHOT=N in the environment the Nth one.
 shot() {
-  local name=$1 printer=$2
+  local name=$1 printer=$2 nth
+  nth=$(printf '%02d' "${SHOT:-1}")
   shift 2
   rm -f "$work/shots/"*.bmp
   QLMWIN_SNAPSHOTS="$(winepath -w "$work/shots")" _qlmwin sheet "$printer" "$@" --script - >/dev/null || true
-  [ -e "$work/shots/01.bmp" ] || { echo "no picture of $name" >&2; exit 1; }
-  convert "$work/shots/01.bmp" "docs/screenshots/$name.png"
+  [ -e "$work/shots/$nth.bmp" ] || { echo "no picture of $name" >&2; exit 1; }
+  convert "$work/shots/$nth.bmp" "docs/screenshots/$name.png"
 }
 mkdir -p docs/screenshots
-shot document-sheet "Plan 2440" <<<'ok'
+shot document-sheet "Plan 2440" <<<$'tab 101\nok'
 shot device-sheet "Plan 2440" --device <<<'ok'
 shot address-dialog "Plan 2440 IP" <<<$'cancel\ncancel'
+# The paper tab's dialogs, each the second window met (the third for the one the customise
+# dialog opens).
+SHOT=2 shot customise-dialog "Plan 2440" <<<$'tab 101\nselect 1009 0xFFFFFFFF\ncancel\ncancel'
+SHOT=3 shot user-media-dialog "Plan 2440" <<<$'tab 101\nselect 1009 0xFFFFFFFF\nclick 1234\nclick 1233\ncancel\ncancel'
+SHOT=2 shot margins-dialog "Plan 2440" <<<$'tab 101\nclick 1083\ncancel\ncancel'
 ls docs/screenshots
