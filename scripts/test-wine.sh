@@ -42,7 +42,7 @@ mkdir -p "$work/records"
 qlmhost devmode default "Plan 2440" --out "$work/records/plan2440.bin" >/dev/null
 qlmhost devmode default "Plan 318p" --out "$work/records/plan318p.bin" >/dev/null
 # A bare DEVMODEW of another driver: the public part alone, no private bytes declared.
-{ head -c 70 "$work/records/plan2440.bin"; printf '\0\0'; tail -c +73 "$work/records/plan2440.bin" | head -c 148; } \
+{ head -c 70 "$work/records/plan2440.bin"; printf '\0\0'; dd if="$work/records/plan2440.bin" bs=1 skip=72 count=148 status=none; } \
   >"$work/records/public.bin"
 
 # One command line a case, the same text on both platforms; "COMMAND<TAB>REASON" for the
