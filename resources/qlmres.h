@@ -340,7 +340,7 @@
 #define IDC_PAPER_PORTRAIT           1093
 #define IDC_PAPER_LANDSCAPE          1094
 #define IDC_PAPER_COPIES_SPIN        1102
-#define IDC_PAPER_CUSTOMISE          1121 // a command the tab sends itself; no control
+#define IDM_PAPER_CUSTOMISE          1121 // a command the tab sends itself; no control
 #define IDC_PAPER_COPIES_CAPTION     1139
 #define IDC_PAPER_MEDIA_TYPE_CAPTION 1162
 #define IDC_PAPER_SIZE_CAPTION       1166

@@ -20,7 +20,7 @@ _qlmwin port add IP_127.0.0.250 >/dev/null
 _qlmwin install --inf build/win64/package/QLMUIDrv.inf --queues "$work/queues.list" >/dev/null
 
 # shot "NAME..." PRINTER SHEET-ARGS... < SCRIPT: the windows the script meets, and the sheet
-# once for each page shown, in that order, one NAME.png each.
+# once for each page shown, in that order, one NAME.png each; a NAME of - is passed over.
 shot() {
   local names=$1 printer=$2 n=0 name
   shift 2
@@ -28,6 +28,7 @@ shot() {
   QLMWIN_SNAPSHOTS="$(winepath -w "$work/shots")" _qlmwin sheet "$printer" "$@" --script - >/dev/null || true
   for name in $names; do
     n=$((n + 1))
+    [ "$name" = - ] && continue
     local bmp
     bmp=$(printf '%s/shots/%02d.bmp' "$work" "$n")
     [ -e "$bmp" ] || { echo "no picture of $name" >&2; exit 1; }
@@ -35,8 +36,12 @@ shot() {
   done
 }
 mkdir -p docs/screenshots
-# The sheet opens on its first page, the graphics tab.
-shot "document-sheet rendering-tab" "Plan 2440" <<<$'tab 104\nok'
+# The sheet opens on its first page, the paper tab.
+shot "document-sheet graphics-tab rendering-tab" "Plan 2440" <<<$'tab 103\ntab 104\nok'
 shot device-sheet "Plan 2440" --device <<<'ok'
 shot address-dialog "Plan 2440 IP" <<<$'cancel\ncancel'
+# The paper tab's dialogs.
+shot "- customise-dialog" "Plan 2440" <<<$'tab 101\nselect 1009 0xFFFFFFFF\ncancel\ncancel'
+shot "- - user-media-dialog" "Plan 2440" <<<$'tab 101\nselect 1009 0xFFFFFFFF\nclick 1234\nclick 1233\ncancel\ncancel'
+shot "- margins-dialog" "Plan 2440" <<<$'tab 101\nclick 1083\ncancel\ncancel'
 ls docs/screenshots

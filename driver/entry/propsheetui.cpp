@@ -12,6 +12,7 @@
 #include "../ui/tvodialoginfo.h"
 #include "../ui/tvograph.h"
 #include "../ui/tvorendr.h"
+#include "../ui/tvopaper.h"
 #include "../../resources/qlmres.h"
 
 #include <algorithm>
@@ -30,6 +31,11 @@ struct TabRow
     const char* pszAssertion;
 };
 
+TVOTab* MakePaperTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
+{
+    return new (std::nothrow) TVOPaperTab(lpdi, pConfig);
+}
+
 TVOTab* MakeAboutTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
 {
     return new (std::nothrow) TVOAboutTab(lpdi, pConfig, 0);
@@ -46,7 +52,7 @@ TVOTab* MakeRenderTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
 }
 
 const TabRow kTabs[] = {
-    {IDD_PAPER_TAB, &TVOPrinterConfiguration::m_bShowPaperTab, nullptr, "pPaperTab != 0"},
+    {IDD_PAPER_TAB, &TVOPrinterConfiguration::m_bShowPaperTab, MakePaperTab, "pPaperTab != 0"},
     {IDD_JOB_TAB, &TVOPrinterConfiguration::m_bShowJobTab, nullptr, "pJobTab != 0"},
     {IDD_GRAPHICS_TAB, &TVOPrinterConfiguration::m_bShowGraphicsTab, MakeGraphicsTab,
      "pGraphicsTab != 0"},

@@ -538,8 +538,11 @@ LRESULT CALLBACK ButtonProc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp)
     case BM_SETCHECK: {
         Lock lock(StateMutex());
         if (IsCheckable(type)) {
+            // A state beyond the button's last is its last: any non-zero value checks a
+            // two-state box.
             bool threeState = type == BS_3STATE || type == BS_AUTO3STATE;
-            w->control.check = wp == BST_INDETERMINATE && !threeState ? BST_CHECKED : int(wp & 3);
+            WPARAM last = threeState ? BST_INDETERMINATE : BST_CHECKED;
+            w->control.check = int(wp > last ? last : wp);
         }
         return 0;
     }

@@ -50,8 +50,11 @@ int TemplateNumber(const PROPSHEETPAGEW& psp)
 // The oldest page the sheet accepts: the fields up to pcRefParent.
 constexpr DWORD kPROPSHEETPAGEW_V1_SIZE = 72;
 
-constexpr DWORD kChildStyle = WS_CHILD | DS_CONTROL;
-constexpr DWORD kTopLevelStyles = WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
+// comctl32 makes a page a child control of the sheet, enabled and hidden until it is shown,
+// whatever its template says: a template's WS_DISABLED would keep the focus out of the page.
+constexpr DWORD kChildStyle = WS_CHILD | WS_TABSTOP | DS_CONTROL;
+constexpr DWORD kTopLevelStyles =
+    WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_DISABLED | WS_VISIBLE | DS_MODALFRAME;
 
 // The page's template with the style of a child window, as the sheet creates its pages: the
 // DLGTEMPLATEEX keeps its style at offset 12, the older DLGTEMPLATE at 0.

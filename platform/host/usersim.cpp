@@ -61,6 +61,13 @@ void SelectQuietly(HWND control, int index)
     }
 }
 
+// The edit takes the text of the item selected now, which the parent may have changed while
+// it was told of the user's choice.
+void ShowSelection(HWND control)
+{
+    SendMessageW(control, CB_SETCURSEL, WPARAM(SendMessageW(control, CB_GETCURSEL, 0, 0)), 0);
+}
+
 void SelectAsUser(HWND control, ControlKind kind, int index)
 {
     SetFocus(control);
@@ -72,7 +79,7 @@ void SelectAsUser(HWND control, ControlKind kind, int index)
         NotifyParent(control, CBN_SELENDOK);
         NotifyParent(control, CBN_CLOSEUP);
         NotifyParent(control, CBN_SELCHANGE);
-        SendMessageW(control, CB_SETCURSEL, WPARAM(index), 0);
+        ShowSelection(control);
     } else {
         SendMessageW(control, LB_SETCURSEL, WPARAM(index), 0);
         if (GetWindowLongW(control, GWL_STYLE) & LBS_NOTIFY) {
@@ -93,7 +100,7 @@ void ChooseWithArrow(HWND control, bool down)
     SelectQuietly(control, next);
     NotifyParent(control, CBN_SELENDOK);
     NotifyParent(control, CBN_SELCHANGE);
-    SendMessageW(control, CB_SETCURSEL, WPARAM(next), 0);
+    ShowSelection(control);
 }
 
 } // namespace
