@@ -10,6 +10,7 @@
 #include "../foundation/qlmutils.h"
 #include "../ui/tvoabout.h"
 #include "../ui/tvodialoginfo.h"
+#include "../ui/tvojob.h"
 #include "../../resources/qlmres.h"
 
 #include <algorithm>
@@ -28,6 +29,11 @@ struct TabRow
     const char* pszAssertion;
 };
 
+TVOTab* MakeJobTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
+{
+    return new (std::nothrow) TVOJobTab(lpdi, pConfig);
+}
+
 TVOTab* MakeAboutTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
 {
     return new (std::nothrow) TVOAboutTab(lpdi, pConfig, 0);
@@ -35,7 +41,7 @@ TVOTab* MakeAboutTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
 
 const TabRow kTabs[] = {
     {IDD_PAPER_TAB, &TVOPrinterConfiguration::m_bShowPaperTab, nullptr, "pPaperTab != 0"},
-    {IDD_JOB_TAB, &TVOPrinterConfiguration::m_bShowJobTab, nullptr, "pJobTab != 0"},
+    {IDD_JOB_TAB, &TVOPrinterConfiguration::m_bShowJobTab, MakeJobTab, "pJobTab != 0"},
     {IDD_GRAPHICS_TAB, &TVOPrinterConfiguration::m_bShowGraphicsTab, nullptr, "pGraphicsTab != 0"},
     {IDD_RENDER_TAB, &TVOPrinterConfiguration::m_bShowRenderTab, nullptr, "pRenderTab != 0"},
     {IDD_DEVICE_TAB, &TVOPrinterConfiguration::m_bShowDeviceTab, nullptr, "pDeviceTab != 0"},
