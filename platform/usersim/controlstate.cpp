@@ -154,7 +154,8 @@ bool CheckExpectation(HWND control, const UserAction& action, std::string* failu
         return data == LRESULT(action.number) ||
                fail(name + " has data " + std::to_string(data) + " selected");
     }
-    // "text TEXT", where \r, \n, \t and \\ stand for what a quoted text shows so.
+    // "text TEXT": \r, \n and \t stand for what a quoted text shows so, and a backslash
+    // keeps any other character as it is, a leading blank too.
     std::string want;
     const std::string written = what.substr(5);
     for (size_t i = 0; i < written.size(); ++i) {
