@@ -186,6 +186,8 @@ void TVOJobTab::SetControlsFromDM()
 
 void TVOJobTab::OnCommand(int id, int code)
 {
+    if (!m_pDM || !m_pConfig)
+        return;
     switch (id) {
     case IDC_JOB_BANNER:
         if (IsListNotification(code))
