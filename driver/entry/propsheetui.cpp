@@ -11,8 +11,9 @@
 #include "../ui/tvoabout.h"
 #include "../ui/tvodialoginfo.h"
 #include "../ui/tvograph.h"
-#include "../ui/tvorendr.h"
+#include "../ui/tvojob.h"
 #include "../ui/tvopaper.h"
+#include "../ui/tvorendr.h"
 #include "../../resources/qlmres.h"
 
 #include <algorithm>
@@ -36,6 +37,11 @@ TVOTab* MakePaperTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
     return new (std::nothrow) TVOPaperTab(lpdi, pConfig);
 }
 
+TVOTab* MakeJobTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
+{
+    return new (std::nothrow) TVOJobTab(lpdi, pConfig);
+}
+
 TVOTab* MakeAboutTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
 {
     return new (std::nothrow) TVOAboutTab(lpdi, pConfig, 0);
@@ -53,7 +59,7 @@ TVOTab* MakeRenderTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
 
 const TabRow kTabs[] = {
     {IDD_PAPER_TAB, &TVOPrinterConfiguration::m_bShowPaperTab, MakePaperTab, "pPaperTab != 0"},
-    {IDD_JOB_TAB, &TVOPrinterConfiguration::m_bShowJobTab, nullptr, "pJobTab != 0"},
+    {IDD_JOB_TAB, &TVOPrinterConfiguration::m_bShowJobTab, MakeJobTab, "pJobTab != 0"},
     {IDD_GRAPHICS_TAB, &TVOPrinterConfiguration::m_bShowGraphicsTab, MakeGraphicsTab,
      "pGraphicsTab != 0"},
     {IDD_RENDER_TAB, &TVOPrinterConfiguration::m_bShowRenderTab, MakeRenderTab, "pRenderTab != 0"},

@@ -55,7 +55,8 @@ bool StartsWithNoCase(const std::u16string& text, const std::u16string& prefix)
 int FindItem(const std::vector<ListItem>& items, WPARAM start, LPCWSTR text, bool exact)
 {
     int n = int(items.size());
-    if (!text || n == 0) {
+    // An empty text matches nothing, not every item as a prefix would.
+    if (!text || !text[0] || n == 0) {
         return -1;
     }
     std::u16string s = FromW(text);
@@ -365,6 +366,13 @@ void SetBuddyText(HWND updown)
         }
         buddy = w->control.buddy;
         text = FormatBuddy(w->control.position, w->control.base, !(w->style & UDS_NOTHOUSANDS));
+    }
+    // comctl32 leaves a buddy that already reads the number alone (compared without regard to
+    // case), so the buddy's owner hears of no change.
+    WCHAR old[64] = {};
+    GetWindowTextW(buddy, old, 64);
+    if (CompareNoCase(FromW(old), text) == 0) {
+        return;
     }
     SetWindowTextW(buddy, text.c_str());
 }

@@ -154,9 +154,21 @@ bool CheckExpectation(HWND control, const UserAction& action, std::string* failu
         return data == LRESULT(action.number) ||
                fail(name + " has data " + std::to_string(data) + " selected");
     }
-    // "text TEXT"
-    std::string have = Utf16ToUtf8(WindowText(control));
-    return have == what.substr(5) || fail(name + " has text \"" + have + "\"");
+    // "text TEXT": \r, \n and \t stand for what a quoted text shows so, and a backslash
+    // keeps any other character as it is, a leading blank too.
+    std::string want;
+    const std::string written = what.substr(5);
+    for (size_t i = 0; i < written.size(); ++i) {
+        char c = written[i];
+        if (c == '\\' && i + 1 < written.size()) {
+            char next = written[++i];
+            c = next == 'r' ? '\r' : next == 'n' ? '\n' : next == 't' ? '\t' : next;
+        }
+        want += c;
+    }
+    const std::u16string text = WindowText(control);
+    std::string have = Utf16ToUtf8(text);
+    return have == want || fail(name + " has text " + QuoteText(text));
 }
 
 std::vector<ControlState> DescribeControls(HWND window)

@@ -8,7 +8,8 @@
 // what the message must hold), file PATH, file cancel, ok, cancel, apply, expect ID
 // enabled|disabled|checked|unchecked|visible|hidden|focused|text TEXT|data DATA, expect-apply
 // lit|unlit (the sheet's Apply button). Numbers are decimal or 0x hex; TEXT is the rest of the
-// line.
+// line. An expected text writes a line break as \r and \n, a tab as \t; any other character
+// after a backslash stands for itself (\\ a backslash, "\ " a blank that would be trimmed).
 #pragma once
 
 #include <string>

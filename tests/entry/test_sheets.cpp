@@ -226,7 +226,7 @@ TEST_F(Sheets, TheSheetIsBuiltAndTornDownInOrderAndRemembersTheLastTab)
     EXPECT_EQ("DESTROY 1", first.run.calls.back());
     EXPECT_EQ("SET_RESULT 1", first.run.calls[first.run.calls.size() - 2]);
 
-    // The stored 5 is compared with the running position of the pages: with the paper,
+    // The stored 5 is compared with the running position of the pages: with the paper, job,
     // graphics, rendering and about tabs it names none, so no start page is set.
     Outcome second = Document(printer, kPrompt, "ok\n");
     for (const std::string& call : second.run.calls)

@@ -1,0 +1,30 @@
+// TVOStampDlg: the raster stamp that the printer itself puts on a job: which stamp, its scale,
+// its layer, its place and its rotation. The printer's stamps come with a refresh; a name can
+// also be typed. It edits a copy of the record, which reaches the caller's record only on OK.
+#pragma once
+
+#include "../ui/tvodialog.h"
+
+class TVOStampDlg : public TVODialog
+{
+public:
+    TVOStampDlg(TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM);
+
+    INT_PTR DialogProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void SetControlsFromDM() override;
+    BOOL OnInitDialog();
+    void OnCommand(int id, int code);
+    LRESULT OnNotify(const NMHDR* pnmhdr);
+    void OnClose();
+    void OnDestroy();
+    void SetPrinterDefaults();
+    void UpdateDMFromControls();
+    // 0 when every field is in range, else the first bad field, after its warning. The
+    // offsets are tested whether or not their fields are enabled.
+    int EnteredValuesAreValid();
+    void UpdatePlacementButtonX();
+    void UpdatePlacementButtonY();
+
+    DEVMODEEX m_DM;
+    DEVMODEEX* m_pOrigDM = nullptr;
+};
