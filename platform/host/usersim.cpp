@@ -61,6 +61,14 @@ void SelectQuietly(HWND control, int index)
     }
 }
 
+// The chosen item's text goes to the edit, unless the parent chose another item (or refilled
+// the list) while it was told: the list's own selection is what user32 then shows.
+void ShowChosenItem(HWND control, int index)
+{
+    if (SendMessageW(control, CB_GETCURSEL, 0, 0) == index)
+        SendMessageW(control, CB_SETCURSEL, WPARAM(index), 0);
+}
+
 void SelectAsUser(HWND control, ControlKind kind, int index)
 {
     SetFocus(control);
@@ -72,7 +80,7 @@ void SelectAsUser(HWND control, ControlKind kind, int index)
         NotifyParent(control, CBN_SELENDOK);
         NotifyParent(control, CBN_CLOSEUP);
         NotifyParent(control, CBN_SELCHANGE);
-        SendMessageW(control, CB_SETCURSEL, WPARAM(index), 0);
+        ShowChosenItem(control, index);
     } else {
         SendMessageW(control, LB_SETCURSEL, WPARAM(index), 0);
         if (GetWindowLongW(control, GWL_STYLE) & LBS_NOTIFY) {
@@ -93,7 +101,7 @@ void ChooseWithArrow(HWND control, bool down)
     SelectQuietly(control, next);
     NotifyParent(control, CBN_SELENDOK);
     NotifyParent(control, CBN_SELCHANGE);
-    SendMessageW(control, CB_SETCURSEL, WPARAM(next), 0);
+    ShowChosenItem(control, next);
 }
 
 } // namespace
