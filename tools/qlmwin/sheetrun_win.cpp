@@ -405,7 +405,14 @@ void ScriptedSheet::Perform(HWND target, const UserAction& action)
             Fail(action, "no file dialog is open");
             return;
         }
-        winuser::TypeText(box, action.text);
+        // A relative path is the program's, as on the host, not the dialog's start folder's.
+        std::u16string relative = usersim::Utf8ToUtf16(action.text);
+        WCHAR full[MAX_PATH] = {};
+        DWORD cch =
+            GetFullPathNameW(reinterpret_cast<LPCWSTR>(relative.c_str()), MAX_PATH, full, nullptr);
+        winuser::TypeText(box, cch > 0 && cch < MAX_PATH
+                                   ? usersim::Utf16ToUtf8(reinterpret_cast<const char16_t*>(full))
+                                   : action.text);
         winuser::PressButton(target, IDOK);
         return;
     }
@@ -560,4 +567,12 @@ bool RunDialog(const std::function<INT_PTR()>& open, const std::string& script, 
     *result = runner.RunModal(open, failures);
     g_pSheet = nullptr;
     return true;
+}
+
+std::unique_ptr<CasePrinter> StartCasePrinter(const std::string& queue, const std::string&,
+                                              std::string* error)
+{
+    *error = "no simulated printer answers for '" + queue + "' under Windows: it runs on the " +
+             "Linux host only";
+    return nullptr;
 }
