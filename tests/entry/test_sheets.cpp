@@ -209,24 +209,24 @@ TEST_F(Sheets, TheDocumentSheetsResultReachesTheCallersRecordOnlyOnOK)
 }
 
 // The sheet's reasons come in the common UI's order, and the about tab is the last page of the
-// document sheet; its activation is remembered, as the offset of its template.
+// document sheet; the last activation is remembered, as the offset of its template.
 TEST_F(Sheets, TheSheetIsBuiltAndTornDownInOrderAndRemembersTheLastTab)
 {
     HostPrinter printer(u"Sheet order");
-    Outcome first = Document(printer, kPrompt, "ok\n");
+    Outcome first = Document(printer, kPrompt, "tab 106\nok\n");
     ASSERT_EQ(1, first.rc);
     ASSERT_FALSE(first.run.pages.empty());
     EXPECT_EQ(106, first.run.pages.back().templateId);
     // The resource library is installed; the rendering library is not, so its line is empty.
     EXPECT_EQ(u"12.7.0.0", ControlText(first.run.pages.back(), 1932));
     EXPECT_EQ(u"", ControlText(first.run.pages.back(), 1931));
-    EXPECT_EQ(std::vector<int>{106}, first.run.activations);
+    EXPECT_EQ((std::vector<int>{105, 106}), first.run.activations);
     EXPECT_EQ(5u, LastActiveTab(printer));
     EXPECT_EQ("INIT 1", first.run.calls.front());
     EXPECT_EQ("DESTROY 1", first.run.calls.back());
     EXPECT_EQ("SET_RESULT 1", first.run.calls[first.run.calls.size() - 2]);
 
-    // The stored 5 is compared with the running position of the pages: with one page it
+    // The stored 5 is compared with the running position of the pages: with two pages it
     // names none, so no start page is set.
     Outcome second = Document(printer, kPrompt, "ok\n");
     for (const std::string& call : second.run.calls)
