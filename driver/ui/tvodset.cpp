@@ -11,6 +11,7 @@
 #include "../foundation/wstr.h"
 #include "../../resources/qlmres.h"
 
+#include <cstddef>
 #include <cstring>
 #include <iterator>
 
