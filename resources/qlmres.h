@@ -639,10 +639,11 @@
 #define IDC_ROLL_HEAD_TYPE        1194
 #define IDC_ROLL_STATUS1          1195
 #define IDC_ROLL_HEAD_SIZE        1216
-#define IDS_ROLL_STATUS_NONE      5633
-#define IDS_ROLL_STATUS_EMPTY     5634
-#define IDS_ROLL_STATUS_NOT_READY 5635
-#define IDS_ROLL_STATUS_READY     5636
+// A roll's state as the printer reports it (dmxRollStatus 0 none, 1 full, 2 low, 3 empty).
+#define IDS_ROLL_STATUS_NONE  5633
+#define IDS_ROLL_STATUS_EMPTY 5634
+#define IDS_ROLL_STATUS_LOW   5635
+#define IDS_ROLL_STATUS_FULL  5636
 
 // ---- User-defined media dialog (IDD_USERMEDIA) ------------------------------------------
 #define IDC_USERMEDIA_CATEGORY         1007

@@ -10,6 +10,7 @@
 #include "../foundation/qlmutils.h"
 #include "../ui/tvoabout.h"
 #include "../ui/tvodialoginfo.h"
+#include "../ui/tvodset.h"
 #include "../ui/tvograph.h"
 #include "../ui/tvojob.h"
 #include "../ui/tvopaper.h"
@@ -57,13 +58,19 @@ TVOTab* MakeRenderTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
     return new (std::nothrow) TVORenderTab(lpdi, pConfig, 0);
 }
 
+// Accounting identifiers are never made compulsory by the sheet.
+TVOTab* MakeDeviceTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig)
+{
+    return new (std::nothrow) TVODeviceTab(lpdi, pConfig, FALSE);
+}
+
 const TabRow kTabs[] = {
     {IDD_PAPER_TAB, &TVOPrinterConfiguration::m_bShowPaperTab, MakePaperTab, "pPaperTab != 0"},
     {IDD_JOB_TAB, &TVOPrinterConfiguration::m_bShowJobTab, MakeJobTab, "pJobTab != 0"},
     {IDD_GRAPHICS_TAB, &TVOPrinterConfiguration::m_bShowGraphicsTab, MakeGraphicsTab,
      "pGraphicsTab != 0"},
     {IDD_RENDER_TAB, &TVOPrinterConfiguration::m_bShowRenderTab, MakeRenderTab, "pRenderTab != 0"},
-    {IDD_DEVICE_TAB, &TVOPrinterConfiguration::m_bShowDeviceTab, nullptr, "pDeviceTab != 0"},
+    {IDD_DEVICE_TAB, &TVOPrinterConfiguration::m_bShowDeviceTab, MakeDeviceTab, "pDeviceTab != 0"},
     {IDD_ABOUT_TAB, &TVOPrinterConfiguration::m_bShowDeviceTab, MakeAboutTab, "pAboutTab != 0"},
 };
 

@@ -102,11 +102,5 @@ QLM_EXPORT int WINAPI DrvDocumentEvent(HANDLE hPrinter, HDC hdc, int iEsc, ULONG
     return iEsc == DOCUMENTEVENT_QUERYFILTER ? 0 : 1;
 }
 
-// The window procedures are exported by ordinal as well. The dialog base's and the tab
-// base's live in their units; the accounting dialog's numeric filter comes with that dialog,
-// and until then it handles no message.
-QLM_EXPORT LRESULT CALLBACK NumericEditSubclassProc(HWND hwnd, UINT msg, WPARAM wParam,
-                                                    LPARAM lParam)
-{
-    return 0;
-}
+// The window procedures are exported by ordinal as well, each from its unit: the dialog base's
+// and the tab base's, and the accounting dialog's digits-only filter (QLMUIDrv.def).

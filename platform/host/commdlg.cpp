@@ -2,6 +2,7 @@
 // choices of the user simulation.
 #include "wininternal.h"
 
+#include <algorithm>
 #include <deque>
 #include <sys/stat.h>
 #include <vector>
@@ -116,6 +117,12 @@ BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW lpofn)
         }
         memcpy(lpofn->lpstrFile, answer->c_str(), (answer->size() + 1) * sizeof(WCHAR));
         SetOffsets(lpofn, *answer);
+        // The name alone, cut to its buffer as the dialog cuts it.
+        if (lpofn->lpstrFileTitle && lpofn->nMaxFileTitle > 0) {
+            std::u16string name = answer->substr(lpofn->nFileOffset);
+            name.resize(std::min<size_t>(name.size(), lpofn->nMaxFileTitle - 1));
+            memcpy(lpofn->lpstrFileTitle, name.c_str(), (name.size() + 1) * sizeof(WCHAR));
+        }
         return TRUE;
     }
 }

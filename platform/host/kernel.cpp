@@ -132,6 +132,18 @@ BOOL WINAPI GetUserNameW(LPWSTR lpBuffer, LPDWORD pcbBuffer)
     return TRUE;
 }
 
+// "C:\Windows\System32" and its length when uSize characters hold it with its NUL; otherwise
+// the characters needed, the NUL included, and the buffer is not touched.
+UINT WINAPI GetSystemDirectoryW(LPWSTR lpBuffer, UINT uSize)
+{
+    static const std::u16string kSystemDirectory = u"C:\\Windows\\System32";
+    const UINT needed = UINT(kSystemDirectory.size() + 1);
+    if (!lpBuffer || uSize < needed)
+        return needed;
+    PutW(lpBuffer, kSystemDirectory);
+    return needed - 1;
+}
+
 // Milliseconds of CLOCK_MONOTONIC, wrapping at 2^32 like the system's (after 49.7 days).
 DWORD WINAPI GetTickCount(void)
 {

@@ -154,6 +154,18 @@ bool CheckExpectation(HWND control, const UserAction& action, std::string* failu
         return data == LRESULT(action.number) ||
                fail(name + " has data " + std::to_string(data) + " selected");
     }
+    if (what == "below") {
+        const std::string other = "control " + std::to_string(action.number);
+        HWND above = GetDlgItem(GetParent(control), int(action.number));
+        if (!above)
+            return fail("the window has no " + other);
+        RECT mine = {}, theirs = {};
+        GetWindowRect(control, &mine);
+        GetWindowRect(above, &theirs);
+        return mine.top - theirs.bottom == action.gap ||
+               fail(name + " stands " + std::to_string(mine.top - theirs.bottom) +
+                    " pixels below " + other);
+    }
     // "text TEXT": \r, \n and \t stand for what a quoted text shows so, and a backslash
     // keeps any other character as it is, a leading blank too.
     std::string want;

@@ -224,8 +224,21 @@ bool ParseLine(const std::string& raw, int line, UserAction* action, std::string
         if (what == "data") {
             return number("the item data") && nothingMore();
         }
+        if (what == "below") {
+            // below ID GAP: the other control, then the pixels between them.
+            if (!number("the control above")) {
+                return false;
+            }
+            const long long above = action->number;
+            if (!number("a gap in pixels")) {
+                return false;
+            }
+            action->gap = action->number;
+            action->number = above;
+            return nothingMore();
+        }
         *why = "'expect' needs enabled, disabled, checked, unchecked, visible, hidden, focused, "
-               "text or data";
+               "text, data or below";
         return false;
     }
     *why = "unknown action '" + verb + "'";

@@ -6,7 +6,8 @@
 // select-text ID TEXT, type ID TEXT, key ID CHAR|backspace|space|down|up, spin ID up|down [COUNT],
 // slide ID POS, menu COMMAND, answer yes|no|ok|cancel|retry|ignore|abort|continue [TEXT] (TEXT:
 // what the message must hold), file PATH, file cancel, ok, cancel, apply, expect ID
-// enabled|disabled|checked|unchecked|visible|hidden|focused|text TEXT|data DATA, expect-apply
+// enabled|disabled|checked|unchecked|visible|hidden|focused|text TEXT|data DATA|below ID GAP
+// (the control's top edge GAP pixels under the other control's bottom edge), expect-apply
 // lit|unlit (the sheet's Apply button). Numbers are decimal or 0x hex; TEXT is the rest of the
 // line. An expected text writes a line break as \r and \n, a tab as \t; any other character
 // after a backslash stands for itself (\\ a backslash, "\ " a blank that would be trimmed).
@@ -25,6 +26,7 @@ struct UserAction
     std::string text;
     int line = 0;
     std::string expected; // answer: a text the message box must hold
+    long long gap = 0;    // expect ... below: the pixels between the two controls
 };
 
 // Parses a whole script; false with "line N: ..." in *error (when given) and nothing appended.

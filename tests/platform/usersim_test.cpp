@@ -175,7 +175,7 @@ TEST(UserScriptTest, ParsesActionsAndNamesTheLineOfAnError)
          "line 1: 'answer' needs yes, no, ok, cancel, retry, ignore, abort or continue"},
         {"key 1001 ab", "line 1: 'key' needs one character, backspace, space, down or up"},
         {"expect 1001 shiny", "line 1: 'expect' needs enabled, disabled, checked, unchecked, "
-                              "visible, hidden, focused, text or data"},
+                              "visible, hidden, focused, text, data or below"},
         {"file", "line 1: 'file' needs a path or cancel"},
     };
     ASSERT_TRUE(host::SetUserScript("ok", &error));

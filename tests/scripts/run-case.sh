@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Runs one script case on the host as ctest does: a home of its own with the queues of
-# queues.list, then qlmhost's sheet (or probe) command on the case. The command's exit code
-# is the verdict: 1 when a script line or an expected outcome fails.
+# queues.list, then qlmhost's sheet (or probe) command on the case, from the top of the source
+# tree. The command's exit code is the verdict: 1 when a script line or an expected outcome
+# fails.
 #   run-case.sh QLMHOST HOME CASE
 set -euo pipefail
-qlmhost=$1 home=$2 case=$3
+qlmhost=$(realpath "$1") home=$(realpath -m "$2") case=$(realpath "$3")
 rm -rf "$home"
 mkdir -p "$home"
 here=$(dirname "$0")
@@ -18,4 +19,6 @@ while IFS=$'\t' read -r queue driver port; do
 done <"$here/queues.list"
 kind=sheet
 [ "${case##*.}" = probe ] && kind=probe
+# A script's paths (file PATH) are the source tree's, as in the Wine run.
+cd "$here/../.."
 exec "$qlmhost" --home "$home" "$kind" --case "$case" --dump

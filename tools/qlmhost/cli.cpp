@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -307,9 +308,15 @@ int RunBatch(const std::string& path, const Options& options)
     if (!ReadTextFile(path, &content))
         return Fail("cannot read the batch file '" + path + "'");
 
+    // Each line starts in the batch's folder: on Windows the open-file dialog moves the
+    // process's current folder to that of the file chosen.
+    std::error_code ec;
+    const std::filesystem::path folder = std::filesystem::current_path(ec);
     int failed = 0;
     size_t start = 0;
     while (start < content.size()) {
+        if (!folder.empty())
+            std::filesystem::current_path(folder, ec);
         size_t end = content.find('\n', start);
         if (end == std::string::npos)
             end = content.size();

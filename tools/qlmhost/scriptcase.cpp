@@ -51,6 +51,8 @@ bool ParseDirective(const std::string& word, const std::string& rest, ScriptCase
         (word == "set" ? c->set : c->record)
             .emplace_back(rest.substr(0, space),
                           space == std::string::npos ? "" : Trim(rest.substr(space + 1)));
+    } else if (word == "pjlsim") {
+        c->pjlsim = rest;
     } else if (word == "wine-skip" && !rest.empty()) {
         c->wineSkip = rest;
     } else {

@@ -10,6 +10,9 @@
 //                         set (as pdmIn, one line a field), as records are printed
 //   #: record FIELD TEXT  a field of the record the caller gets, as records are printed;
 //                         FIELD may carry an element index, dmxRollWidth[1]
+//   #: pjlsim [PROFILE]   the printer answers: a simulated plotter (the built-in profile, or
+//                         a profile file) on the address of its port IP_a.b.c.d while the
+//                         case runs; the Linux host only
 //   #: wine-skip REASON   a defect of Wine's, written down in docs/wine.md: not run there
 #pragma once
 
@@ -26,6 +29,7 @@ struct ScriptCase
     std::optional<long long> result;
     std::vector<std::pair<std::string, std::string>> set;
     std::vector<std::pair<std::string, std::string>> record;
+    std::optional<std::string> pjlsim; // the profile file; empty for the built-in one
     std::string wineSkip;
 };
 

@@ -137,6 +137,9 @@ int SheetCommand(Args& args, const Options& options)
     if (!pfn)
         return Fail(std::string("the driver library has no ") + entry);
     const std::string name = args.Rest().empty() ? scriptCase.printer : args.Rest()[0];
+    std::unique_ptr<CasePrinter> answering;
+    if (scriptCase.pjlsim && !(answering = StartCasePrinter(name, *scriptCase.pjlsim, &error)))
+        return Fail(casePath + ": " + error);
     OpenedPrinter printer(name);
     if (!printer.get())
         return Fail("no printer named '" + name + "'");
@@ -235,13 +238,14 @@ extern const Command g_SheetCommand = {
     "    type ID TEXT | key ID CHAR | spin ID up|down [COUNT] | slide ID POS | menu COMMAND\n"
     "    answer yes|no|ok|cancel|retry|ignore [TEXT] | file PATH | file cancel | ok | cancel\n"
     "    apply | expect ID enabled|disabled|checked|unchecked|visible|hidden|focused\n"
-    "    expect ID text TEXT|data DATA | expect-apply lit|unlit\n"
+    "    expect ID text TEXT|data DATA|below ID GAP | expect-apply lit|unlit\n"
     "  An answer's TEXT is a part the message must hold.\n"
     "  A dialog opened by an action takes the actions that follow until it ends. Without\n"
     "  actions left the sheet ends as Cancel. Prints the result and the record the caller\n"
     "  gets (the queue's stored record for --device); --dump adds each page's controls.\n"
     "  Exit 1 when a script line fails (its line number is named on standard error).\n"
     "  --case runs a script case: its lines \"#: printer NAME\", \"#: sheet device\",\n"
-    "  \"#: mode FLAGS\" choose the sheet, \"#: set FIELD TEXT\" sets a field of the queue's\n"
-    "  record given as pdmIn, and \"#: result N\", \"#: record FIELD TEXT\" say what must come\n"
-    "  out; what does not is a failure."};
+    "  \"#: mode FLAGS\" choose the sheet, \"#: pjlsim [PROFILE]\" makes its printer answer\n"
+    "  (a simulated plotter at its port's address, Linux only), \"#: set FIELD TEXT\" sets a\n"
+    "  field of the queue's record given as pdmIn, and \"#: result N\", \"#: record FIELD TEXT\"\n"
+    "  say what must come out; what does not is a failure."};

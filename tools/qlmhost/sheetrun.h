@@ -7,6 +7,7 @@
 #include "platform/usersim/controlstate.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -35,3 +36,15 @@ bool RunSheet(PFNPROPSHEETUI pfn, LPARAM lParam, const std::string& script, Shee
 // cannot be parsed.
 bool RunDialog(const std::function<INT_PTR()>& open, const std::string& script, INT_PTR* result,
                std::vector<std::string>* failures, std::string* error);
+
+// A printer that answers for the length of a case ("#: pjlsim"): a simulated plotter on the
+// loopback address of the queue's standard TCP/IP port (IP_a.b.c.d), from a profile file, or
+// the built-in profile when profile is empty. Ends when the object goes. Only the host can run
+// one: elsewhere, and for a queue on another port, nothing with *error.
+class CasePrinter
+{
+public:
+    virtual ~CasePrinter() = default;
+};
+std::unique_ptr<CasePrinter> StartCasePrinter(const std::string& queue, const std::string& profile,
+                                              std::string* error);

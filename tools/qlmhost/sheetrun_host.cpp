@@ -5,6 +5,8 @@
 #include "platform/host/host.h"
 #include "platform/host/hostsheet.h"
 
+#include "server.h"
+
 bool RunSheet(PFNPROPSHEETUI pfn, LPARAM lParam, const std::string& script, SheetRunReport* report,
               std::string* error)
 {
@@ -37,4 +39,46 @@ bool RunDialog(const std::function<INT_PTR()>& open, const std::string& script, 
     *failures = host::UserScriptFailures();
     host::ClearUserScript();
     return true;
+}
+
+namespace {
+
+class SimulatedPrinter : public CasePrinter
+{
+public:
+    explicit SimulatedPrinter(std::unique_ptr<pjlsim::Server> server) : m_server(std::move(server))
+    {
+    }
+    ~SimulatedPrinter() override { m_server->Stop(); }
+
+private:
+    std::unique_ptr<pjlsim::Server> m_server;
+};
+
+} // namespace
+
+std::unique_ptr<CasePrinter> StartCasePrinter(const std::string& queue, const std::string& profile,
+                                              std::string* error)
+{
+    host::PrinterRecord printer;
+    if (!host::GetPrinterRecord(host::Utf8ToUtf16(queue), &printer)) {
+        *error = "no printer named '" + queue + "'";
+        return nullptr;
+    }
+    const std::string port = host::Utf16ToUtf8(printer.portName);
+    if (port.compare(0, 3, "IP_") != 0) {
+        *error = "the printer '" + queue + "' is on port '" + port + "', not on IP_ADDRESS";
+        return nullptr;
+    }
+    std::optional<pjlsim::Profile> loaded =
+        profile.empty() ? pjlsim::ParseProfile(pjlsim::DefaultProfileText(), "built-in", error)
+                        : pjlsim::LoadProfile(profile, error);
+    if (!loaded)
+        return nullptr;
+    pjlsim::ServerOptions options;
+    options.address = port.substr(3);
+    auto server = std::make_unique<pjlsim::Server>(std::move(*loaded), options);
+    if (!server->Start(error))
+        return nullptr;
+    return std::make_unique<SimulatedPrinter>(std::move(server));
 }

@@ -157,6 +157,10 @@ public:
     ScriptedSheet(PFNPROPSHEETUI pfn, LPARAM lParam, std::vector<UserAction> actions)
         : m_pfn(pfn), m_lParam(lParam), m_actions(actions.begin(), actions.end())
     {
+        WCHAR folder[MAX_PATH] = {};
+        DWORD cch = GetCurrentDirectoryW(MAX_PATH, folder);
+        if (cch > 0 && cch < MAX_PATH)
+            m_startFolder = folder;
     }
 
     void Run(SheetRunReport* report);
@@ -190,6 +194,8 @@ private:
     DWORD m_idleSince = 0;
     bool m_stalled = false;
     Snapshots m_snapshots;
+    // Where the run started: a file dialog moves the process's current folder to its file's.
+    std::wstring m_startFolder;
 
     friend int CALLBACK SheetCallback(HWND, UINT, LPARAM);
 };
@@ -393,7 +399,11 @@ void ScriptedSheet::Perform(HWND target, const UserAction& action)
             return;
         }
         HWND box = GetDlgItem(target, kFileNameCombo);
-        if (box) {
+        WCHAR boxClass[32] = {};
+        if (box && GetClassNameW(box, boxClass, 32) && !lstrcmpiW(boxClass, WC_COMBOBOXEXW)) {
+            // An extended combo box hands out its edit itself (Wine's template has one).
+            box = reinterpret_cast<HWND>(SendMessageW(box, CBEM_GETEDITCONTROL, 0, 0));
+        } else if (box) {
             COMBOBOXINFO info = {};
             info.cbSize = sizeof(info);
             GetComboBoxInfo(box, &info);
@@ -405,7 +415,19 @@ void ScriptedSheet::Perform(HWND target, const UserAction& action)
             Fail(action, "no file dialog is open");
             return;
         }
-        winuser::TypeText(box, action.text);
+        // A relative path is the run's, as on the host: neither the dialog's start folder's
+        // nor that of a file an earlier dialog chose.
+        std::u16string typed = usersim::Utf8ToUtf16(action.text);
+        std::wstring path(typed.begin(), typed.end());
+        const bool absolute = (path.size() >= 2 && path[1] == L':') ||
+                              (!path.empty() && (path[0] == L'\\' || path[0] == L'/'));
+        if (!absolute && !m_startFolder.empty())
+            path = m_startFolder + L"\\" + path;
+        WCHAR full[MAX_PATH] = {};
+        DWORD cch = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
+        winuser::TypeText(box, cch > 0 && cch < MAX_PATH
+                                   ? usersim::Utf16ToUtf8(reinterpret_cast<const char16_t*>(full))
+                                   : action.text);
         winuser::PressButton(target, IDOK);
         return;
     }
@@ -560,4 +582,12 @@ bool RunDialog(const std::function<INT_PTR()>& open, const std::string& script, 
     *result = runner.RunModal(open, failures);
     g_pSheet = nullptr;
     return true;
+}
+
+std::unique_ptr<CasePrinter> StartCasePrinter(const std::string& queue, const std::string&,
+                                              std::string* error)
+{
+    *error = "no simulated printer answers for '" + queue + "' under Windows: it runs on the " +
+             "Linux host only";
+    return nullptr;
 }

@@ -87,6 +87,7 @@ int WINAPI GetLocaleInfoW(LCID Locale, LCTYPE LCType, LPWSTR lpLCData, int cchDa
 DWORD WINAPI GetTickCount(void);
 VOID WINAPI Sleep(DWORD dwMilliseconds);
 BOOL WINAPI GetUserNameW(LPWSTR lpBuffer, LPDWORD pcbBuffer);
+UINT WINAPI GetSystemDirectoryW(LPWSTR lpBuffer, UINT uSize);
 void WINAPI OutputDebugStringW(LPCWSTR lpOutputString);
 void WINAPI DebugBreak(void);
 DWORD WINAPI GetCurrentProcessId(void);
