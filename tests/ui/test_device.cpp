@@ -103,11 +103,14 @@ TEST(DeviceTab, FinisherFilesOfAnyShapeChangeOnlyTheFinisher)
         {"empty", WriteFile("empty.ini", ""), 0, u"", 0},
     };
     HostPrinter printer(u"Plan");
-    const std::unique_ptr<DEVMODEEX> untouched = RunDocumentSheet(printer, "tab 105\nok\n");
+    // Every run shows the paper tab first, which holds the roll count to the model's, whichever
+    // tab the sheet opens on.
+    const std::unique_ptr<DEVMODEEX> untouched =
+        RunDocumentSheet(printer, "tab 101\ntab 105\nok\n");
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.what);
-        std::unique_ptr<DEVMODEEX> out =
-            RunDocumentSheet(printer, "tab 105\nselect 1066 -1\nfile " + c.path + "\nok\n");
+        std::unique_ptr<DEVMODEEX> out = RunDocumentSheet(
+            printer, "tab 101\ntab 105\nselect 1066 -1\nfile " + c.path + "\nok\n");
         EXPECT_EQ(c.type, out->dmxFinisherType);
         EXPECT_EQ(c.model, Model(*out));
         EXPECT_EQ(c.programs, out->dmxFinisher.numPrograms);
