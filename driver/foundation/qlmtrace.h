@@ -35,27 +35,27 @@ extern const TVODebugSwitch g_DebugSwitches[11];
 // QLMUtils_* is g_bTraceQLMUtils, ASSERT_* is g_bTraceASSERT.
 #define QLM_TRACE_FLAGS(X)                                                                         \
     X(ALLTVOHPGL2)                                                                                 \
-    X(AllTVONTKMDriver) X(ALLTVORTL) X(BitBLT) X(BitBLTWithSource) X(BitBLTNoSource) X(            \
-        BitmapRealize) X(CopyBits) X(DDI) X(LINEATTRS) X(PDEV) X(PE) X(PenStyle) X(RealizeBrush)   \
-        X(StretchBLT) X(Surface) X(TVOFixed) X(TVOHPGL2) X(TVONTKMDriver) X(TVOPJL) X(TVORTL) X(   \
-            AllPathAPIs) X(StrokePath) X(FillPath) X(StrokeAndFillPath) X(InitLineAttrs)           \
-            X(CreatePolyLine) X(CreatePolygon) X(TextOut) X(StartDoc) X(HPGL2Initialize) X(Brush)  \
-                X(SetRasterFill) X(BeginDoc) X(BeginPage) X(DrawMode) X(ClipRect) X(               \
-                    AllCompression) X(AdaptiveCompression) X(RLECompression) X(TIFFCompression)    \
-                    X(DeltaCompression) X(StartPage) X(TVODevice) X(Escape) X(IgnoreClipRect)      \
-                        X(DevmodeLife) X(SetPrinter) X(TVOAcct) X(TVOConfig) X(TVODevMode)         \
-                            X(TVODMRegistry) X(TVOLanguageMonitor) X(TVOMem) X(TVOSpool) X(UIDDI)  \
-                                X(Propsheets) X(TVODialog) X(TVOTab) X(PaperTab) X(JobTab)         \
-                                    X(RenderTab) X(GraphicsTab) X(AboutTab) X(DeviceOptionsDlg)    \
-                                        X(LabelDlg) X(RasterStampDlg) X(FinishingDlg)              \
-                                            X(MediaInfoDlg) X(UserDefinedMediaDlg)                 \
-                                                X(TVORollConfigDlg) X(PrinterIPDialog)             \
-                                                    X(AllPrinterIPDialog) X(Gamma)                 \
-                                                        X(TVONTUIDriver) X(DebugTab) X(TVOSocket)  \
-                                                            X(ParsePJL) X(LowLevelParser) X(LFK)   \
-                                                                X(QLMRefresh) X(Finisher)          \
-                                                                    X(DynamicMedia) X(InkLimit)    \
-                                                                        X(DeviceCapabilities)
+    X(AllTVONTKMDriver)                                                                            \
+    X(ALLTVORTL) X(BitBLT) X(BitBLTWithSource) X(BitBLTNoSource) X(BitmapRealize) X(CopyBits) X(   \
+        DDI) X(LINEATTRS) X(PDEV) X(PE) X(PenStyle) X(RealizeBrush) X(StretchBLT) X(Surface)       \
+        X(TVOFixed) X(TVOHPGL2) X(TVONTKMDriver) X(TVOPJL) X(TVORTL) X(AllPathAPIs) X(StrokePath)  \
+            X(FillPath) X(StrokeAndFillPath) X(InitLineAttrs) X(CreatePolyLine) X(CreatePolygon)   \
+                X(TextOut) X(StartDoc) X(HPGL2Initialize) X(Brush) X(SetRasterFill) X(BeginDoc)    \
+                    X(BeginPage) X(DrawMode) X(ClipRect) X(AllCompression) X(AdaptiveCompression)  \
+                        X(RLECompression) X(TIFFCompression) X(DeltaCompression) X(StartPage) X(   \
+                            TVODevice) X(Escape) X(IgnoreClipRect) X(DevmodeLife) X(SetPrinter)    \
+                            X(TVOAcct) X(TVOConfig) X(TVODevMode) X(TVODMRegistry)                 \
+                                X(TVOLanguageMonitor) X(TVOMem) X(TVOSpool) X(UIDDI) X(Propsheets) \
+                                    X(TVODialog) X(TVOTab) X(PaperTab) X(JobTab) X(RenderTab)      \
+                                        X(GraphicsTab) X(AboutTab) X(DeviceOptionsDlg) X(LabelDlg) \
+                                            X(RasterStampDlg) X(FinishingDlg) X(MediaInfoDlg) X(   \
+                                                UserDefinedMediaDlg) X(TVORollConfigDlg)           \
+                                                X(PrinterIPDialog) X(AllPrinterIPDialog) X(Gamma)  \
+                                                    X(TVONTUIDriver) X(DebugTab) X(TVOSocket)      \
+                                                        X(ParsePJL) X(LowLevelParser) X(LFK)       \
+                                                            X(QLMRefresh) X(Finisher)              \
+                                                                X(DynamicMedia) X(InkLimit)        \
+                                                                    X(DeviceCapabilities)
 
 #define QLM_DECLARE_TRACE_FLAG(name) extern BOOL g_bTrace##name;
 QLM_TRACE_FLAGS(QLM_DECLARE_TRACE_FLAG)
@@ -145,8 +145,14 @@ const WCHAR* GetTraceModuleName();
 // The current indentation depth, 0..kTRACE_MAX_DEPTH.
 int GetTraceDepth();
 
+class QLMPrinterSnapshot;
+
 // Reads one 32-bit switch from the printer data key "DebugSettings" into *pTarget. A failed
 // read, or a value that is not four bytes, leaves *pTarget alone and is traced.
 BOOL ReadDebugSwitch(HANDLE hPrinter, const WCHAR* pszName, BOOL* pTarget);
-// "DBG_AssertMsgBox", "DBG_Toggle_EMF_Spooling", then every row of the switch table.
+// The same from the key's values as the call's snapshot holds them.
+BOOL ReadDebugSwitch(QLMPrinterSnapshot& snapshot, const WCHAR* pszName, BOOL* pTarget);
+// "DBG_AssertMsgBox", "DBG_Toggle_EMF_Spooling", then every row of the switch table: one
+// enumeration of the key for all of them.
 void ReadAllDebugSwitches(HANDLE hPrinter);
+void ReadAllDebugSwitches(QLMPrinterSnapshot& snapshot);
