@@ -71,6 +71,15 @@ TVODevMode::UseSnapshot::~UseSnapshot()
     m_devMode.m_pSnapshot = m_pSaved;
 }
 
+bool TVODevMode::PortTestSeen(QLMPrinterSnapshot& snapshot)
+{
+    if (!snapshot.RecordsStay() || TraceCouldShow(g_bTraceQLMPrinterFunctions))
+        return true;
+    // A queue without a stored record gets this one saved.
+    const PRINTER_INFO_2W* pInfo = snapshot.PrinterInfo();
+    return pInfo && !pInfo->pDevMode;
+}
+
 void TVODevMode::AllocateRecord()
 {
     m_lpDM = static_cast<DEVMODEEX*>(operator new(sizeof(DEVMODEEX), std::nothrow));
@@ -312,7 +321,8 @@ int TVODevMode::setDefaults(HANDLE hPrinter)
     pub.dmPaperLength = 2794;
     dm->dmxPaperLength = TVOFixed(2794);
 
-    dm->dmxBiDi = QLMPortIsBiDi(*snapshot);
+    if (PortTestSeen(*snapshot))
+        dm->dmxBiDi = QLMPortIsBiDi(*snapshot);
     dm->dmxRefreshOnOpen = 0;
     dm->dmxRenderList = 0;
     return 1;

@@ -93,6 +93,9 @@ public:
 private:
     class UseSnapshot;
     void AllocateRecord();
+    // Whether the port test must run for this record: the record may leave the call, in its
+    // caller's hands or in the queue's store, or a trace switch would show the test.
+    static bool PortTestSeen(QLMPrinterSnapshot& snapshot);
     void CheckGuards() const;
 
     // The export call's snapshot, or null; set for as long as one of the object's steps runs.

@@ -97,6 +97,8 @@ void TVODevMode::getPrinterData(HANDLE hPrinter)
         return;
     m_bGOTprinterDataAlready = TRUE;
     UseSnapshot snapshot(*this, hPrinter);
+    if (!PortTestSeen(*snapshot))
+        return;
     m_lpDM->dmxBiDi = QLMPortIsBiDi(*snapshot);
     if (m_lpDM->dmxBiDi == 0)
         m_lpDM->dmxAccountingMode = 1;

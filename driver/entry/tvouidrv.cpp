@@ -58,6 +58,9 @@ DWORD TVONTUIDriver::DrvDeviceCapabilities(HANDLE hPrinter, PWSTR pDeviceName, W
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvDeviceCapabilities"), TraceEntryFlags());
     QLMPrinterSnapshot snapshot(hPrinter);
+    // The queue's record serves the answer only: whether its port answers is not asked unless
+    // the record is to be saved or traced.
+    snapshot.RecordsStayInCall();
     TVODevice device;
     device.setDeviceConfiguration(snapshot);
     switch (iDevCap) {
@@ -125,6 +128,8 @@ LONG TVONTUIDriver::DrvDocumentProperties(HWND hwnd, HANDLE hPrinter, PWSTR lpsz
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvDocumentProperties"), TraceEntryFlags());
     Trace(TEXT("hPrinter=%p, fMode=0x%X"), hPrinter, fMode);
     QLMPrinterSnapshot snapshot(hPrinter);
+    if (!((fMode & DM_OUT_BUFFER) && pdmOutput))
+        snapshot.RecordsStayInCall();
     TVODevMode devMode(hPrinter, &snapshot);
     if (!devMode.m_lpDM || !devMode.getDeviceMode(hPrinter, TEXT(""), TEXT(""), TEXT("")))
         return 0;
@@ -178,13 +183,19 @@ LONG TVONTUIDriver::GetSizeOrDefault(LPARAM lParam)
     LPCWSTR pszDriverName = QLMGetDriverName(snapshot);
     if (!pszDriverName)
         pszDriverName = TEXT("Tarvo Plan Output System 2440");
-    TVOPrinterConfiguration* pConfig = new (std::nothrow) TVOPrinterConfiguration(pszDriverName);
-    if (!pConfig) {
-        ASSERT(pConfig != 0);
-        delete pDevMode;
-        return -1;
+    // The configuration gives the model for the merge of an input record; without one it
+    // changes nothing but its trace, and is built only when that could show.
+    const bool bInput = (pHeader->fMode & DM_IN_BUFFER) && pHeader->pdmIn;
+    TVOPrinterConfiguration* pConfig = nullptr;
+    if (bInput || TraceCouldShow(g_bTraceTVOConfig)) {
+        pConfig = new (std::nothrow) TVOPrinterConfiguration(pszDriverName);
+        if (!pConfig) {
+            ASSERT(pConfig != 0);
+            delete pDevMode;
+            return -1;
+        }
     }
-    if ((pHeader->fMode & DM_IN_BUFFER) && pHeader->pdmIn)
+    if (bInput)
         pDevMode->modifyDeviceMode(hPrinter, pHeader->pdmIn, pConfig->m_PrinterModel);
     pDevMode->getAccountingInfo(hPrinter);
     delete pConfig;

@@ -48,6 +48,11 @@ public:
 
     HANDLE Printer() const { return m_hPrinter; }
 
+    // A call whose settings records reach no caller (a capability answer) says so: the steps
+    // may then leave out what only a record that leaves the call would show.
+    void RecordsStayInCall() { m_bRecordsStay = true; }
+    bool RecordsStay() const { return m_bRecordsStay; }
+
     // The queue's PRINTER_INFO_2 (GetPrinterW level 2, size then data), null when it cannot be
     // had. The block is a global memory block that the snapshot owns; it stays valid until the
     // snapshot ends, or until PrinterInfo is asked again after a write made it stale.
@@ -88,6 +93,7 @@ private:
     const PRINTER_ENUM_VALUESW* Find(KeyValues* pKey, LPCWSTR pszValue) const;
 
     HANDLE m_hPrinter;
+    bool m_bRecordsStay = false;
 
     LPBYTE m_pInfo = nullptr;
     bool m_bInfoFetched = false;

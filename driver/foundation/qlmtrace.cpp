@@ -300,6 +300,11 @@ void Assert(const WCHAR* pszFile, int line, const char* pszExpression)
     abort();
 }
 
+BOOL TraceCouldShow(BOOL flags)
+{
+    return flags || g_bTraceFunctionEntry || g_bTraceASSERT || g_bAssertMsgBox;
+}
+
 const WCHAR* TraceBOOL(BOOL b)
 {
     return b ? TEXT("TRUE") : TEXT("FALSE");

@@ -3,8 +3,10 @@
 // state is fetched once per call, so the counts are the same whatever the queue stores.
 #include "driver/config/tvoconfg.h"
 #include "driver/devmode/devmodeex.h"
+#include "driver/entry/tvouidrv.h"
 #include "driver/foundation/qlmtrace.h"
 #include "support/hostprinter.h"
+#include "support/tracecapture.h"
 
 #include "platform/host/hostsheet.h"
 
@@ -14,6 +16,7 @@
 
 #include <cstring>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -153,14 +156,13 @@ protected:
 void* SpoolerCalls::s_handle = nullptr;
 
 // An application's question, count then names: each call reads the switches, the queue's
-// information, the port list and the user forms once, whatever the number of forms.
+// information and the user forms once, whatever the number of forms. The port list is not
+// asked: no answer tells whether the port answers.
 TEST_P(SpoolerCalls, DeviceCapabilitiesFetchesEachPieceOnce)
 {
     auto* capabilities = Export<DeviceCapabilitiesFn>("DrvDeviceCapabilities");
-    const Counts kExpected = {{"EnumPortsW", 1},
-                              {"EnumPrinterDataExW", 2},
-                              {"GetPrinterDriverDirectoryW", 1},
-                              {"GetPrinterW", 2}};
+    const Counts kExpected = {
+        {"EnumPrinterDataExW", 2}, {"GetPrinterDriverDirectoryW", 1}, {"GetPrinterW", 2}};
     Take();
     DWORD count = capabilities(m_printer.handle(), Name(), DC_PAPERNAMES, nullptr, nullptr);
     Counts first = Take();
@@ -187,6 +189,12 @@ TEST_P(SpoolerCalls, DocumentPropertiesFetchesEachPieceOnce)
     Counts properties = Take();
     EXPECT_EQ((Counts{{"EnumPortsW", 1}, {"GetPrinterW", 2}}), properties) << Describe(properties);
     EXPECT_LE(Spooler(properties), kPROPERTIES_GOAL);
+    // Asked only for the size, the caller gets no record to read the port's answer in.
+    EXPECT_EQ(DWORD(sizeof(DEVMODEEX)),
+              DWORD(Export<DocumentPropertiesFn>("DrvDocumentProperties")(
+                  nullptr, m_printer.handle(), Name(), nullptr, nullptr, 0)));
+    Counts size = Take();
+    EXPECT_EQ((Counts{{"GetPrinterW", 2}}), size) << Describe(size);
 
     DOCUMENTPROPERTYHEADER header = {};
     header.cbSize = sizeof(header);
@@ -198,9 +206,7 @@ TEST_P(SpoolerCalls, DocumentPropertiesFetchesEachPieceOnce)
     EXPECT_EQ(1, Export<SheetFn>("DrvDocumentPropertySheets")(nullptr,
                                                               reinterpret_cast<LPARAM>(&header)));
     Counts defaults = Take();
-    EXPECT_EQ((Counts{{"EnumPortsW", 1}, {"GetPrinterDriverDirectoryW", 1}, {"GetPrinterW", 2}}),
-              defaults)
-        << Describe(defaults);
+    EXPECT_EQ((Counts{{"EnumPortsW", 1}, {"GetPrinterW", 2}}), defaults) << Describe(defaults);
     EXPECT_LE(Spooler(defaults), kPROPERTIES_GOAL);
 }
 
@@ -227,6 +233,41 @@ TEST_P(SpoolerCalls, TheDocumentSheetFetchesEachPieceOncePerReason)
     // Cancel sets no result and applies nothing: no switches read for the result, no name
     // looked up for the per-user store.
     EXPECT_LT(Spooler(cancel), Spooler(again));
+}
+
+// The port is asked whenever its answer can be seen: in the record saved for a queue that had
+// none, and in the trace when a switch shows the port test.
+TEST(SpoolerCallsOfCapabilities, ThePortIsAskedWhereItsAnswerShows)
+{
+    SwitchGuard guard;
+    TVONTUIDriver driver;
+    std::unique_ptr<HostPrinter> printer = NetworkQueue(u"Network", "10.1.2.3");
+    LPWSTR name = const_cast<LPWSTR>(printer->name().c_str());
+    auto bins = [&] {
+        Take();
+        EXPECT_EQ(DWORD(5),
+                  driver.DrvDeviceCapabilities(printer->handle(), name, DC_BINS, nullptr, nullptr));
+        return Take();
+    };
+
+    Counts saved = bins();
+    EXPECT_EQ(1, saved["EnumPortsW"]) << Describe(saved);
+    EXPECT_EQ(1, saved["SetPrinterW"]) << Describe(saved);
+    host::PrinterRecord record;
+    ASSERT_TRUE(host::GetPrinterRecord(printer->name(), &record));
+    ASSERT_GE(record.devMode.size(), sizeof(DEVMODEEX));
+    EXPECT_EQ(1u, reinterpret_cast<const DEVMODEEX*>(record.devMode.data())->dmxBiDi)
+        << "the saved record knows the port answers";
+
+    Counts quiet = bins();
+    EXPECT_EQ(0u, quiet.count("EnumPortsW")) << Describe(quiet);
+
+    g_bTraceQLMPrinterFunctions = TRUE;
+    TraceCapture capture;
+    Counts traced = bins();
+    EXPECT_EQ(1, traced["EnumPortsW"]) << Describe(traced);
+    EXPECT_TRUE(capture.contains("Entered function:QLMPortIsBiDi")) << capture.text();
+    EXPECT_TRUE(capture.contains("Entered function:QLMPortIsStdTCPIP")) << capture.text();
 }
 
 INSTANTIATE_TEST_SUITE_P(Store, SpoolerCalls, ::testing::Values(false, true),
