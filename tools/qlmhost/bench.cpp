@@ -104,6 +104,7 @@ int BenchCommand(Args& args, const Options& options)
     std::string callsText = "200";
     args.Take("--calls", &callsText);
     const bool noSheet = args.Flag("--no-sheet");
+    const bool parts = args.Flag("--parts");
     long long calls = 0;
     int rc;
     if (!Expect(args, "bench", 1, 1, &rc))
@@ -220,6 +221,64 @@ int BenchCommand(Args& args, const Options& options)
                    m.counts.spooler + m.counts.registry, detail.c_str());
     }
 
+    // The platform's calls of an export one by one, where the time of an answer goes.
+    if (parts) {
+        std::vector<BYTE> buffer(64 * 1024);
+        WCHAR text[512];
+        HMODULE resourceModule = LoadLibraryW(reinterpret_cast<LPCWSTR>(resources.c_str()));
+        const Measure kParts[] = {
+            {"  GetPrinterW level 2, size then data",
+             [&] {
+                 DWORD cb = 0;
+                 GetPrinterW(h, 2, nullptr, 0, &cb);
+                 GetPrinterW(h, 2, buffer.data(), DWORD(buffer.size()), &cb);
+             }},
+            {"  EnumPortsW level 2, one call",
+             [&] {
+                 DWORD cb = 0, count = 0;
+                 EnumPortsW(nullptr, 2, buffer.data(), DWORD(buffer.size()), &cb, &count);
+             }},
+            {"  EnumPrinterDataExW DebugSettings, one call",
+             [&] {
+                 DWORD cb = 0, count = 0;
+                 EnumPrinterDataExW(h, TEXT("DebugSettings"), buffer.data(), DWORD(buffer.size()),
+                                    &cb, &count);
+             }},
+            {"  EnumPrinterDataExW PrinterDriverData, one call",
+             [&] {
+                 DWORD cb = 0, count = 0;
+                 EnumPrinterDataExW(h, TEXT("PrinterDriverData"), buffer.data(),
+                                    DWORD(buffer.size()), &cb, &count);
+             }},
+            {"  GetPrinterDriverDirectoryW",
+             [&] {
+                 DWORD cb = 0;
+                 GetPrinterDriverDirectoryW(nullptr, nullptr, 1, buffer.data(),
+                                            DWORD(buffer.size()), &cb);
+             }},
+            {"  LoadLibraryW and FreeLibrary of QLMRes.DLL",
+             [&] {
+                 if (HMODULE module = LoadLibraryW(reinterpret_cast<LPCWSTR>(resources.c_str())))
+                     FreeLibrary(module);
+             }},
+            {"  LoadStringW, 30 strings of the paper list",
+             [&] {
+                 for (UINT id = 5701; id < 5731; id++)
+                     LoadStringW(resourceModule, id, text, 512);
+             }},
+            {"  GetUserNameW",
+             [&] {
+                 DWORD cch = 512;
+                 GetUserNameW(text, &cch);
+             }},
+        };
+        printf("the platform's calls, one by one:\n");
+        for (const Measure& m : kParts)
+            printf("%-54s %12.1f\n", m.name, MedianMicroseconds(m.call, int(calls)));
+        if (resourceModule)
+            FreeLibrary(resourceModule);
+    }
+
     // The document sheet opened and closed with OK: its INIT, the first page, the result and
     // the teardown. A queue's first opening also marks it for raw spooling and may store the
     // form count; the second shows what every later opening costs.
@@ -281,7 +340,7 @@ int BenchCommand(Args& args, const Options& options)
 }
 
 extern const Command g_BenchCommand = {
-    "bench", "PRINTER [--calls N] [--no-sheet]",
+    "bench", "PRINTER [--calls N] [--no-sheet] [--parts]",
     "Measures an application's frequent questions: median time and spooler calls per call.",
     BenchCommand,
     "The floor (one PRINTER_INFO_2 fetch, QLMRes.DLL loaded and released, one enumeration of\n"
@@ -291,4 +350,5 @@ extern const Command g_BenchCommand = {
     "  default) after a warm one. Then the document sheet opened and closed with OK twice (not\n"
     "  with --no-sheet), and the goals: spooler calls per export call, each median against the\n"
     "  floor's (under Windows), and the paper name answers one core gives in a second (on the\n"
-    "  host). The calls counted are the driver's own. A benchmark: the figures vary by machine."};
+    "  host). --parts measures the platform's calls of the exports one by one as well. The\n"
+    "  calls counted are the driver's own. A benchmark: the figures vary by machine."};
