@@ -35,21 +35,20 @@ extern const TVODebugSwitch g_DebugSwitches[11];
 // QLMUtils_* is g_bTraceQLMUtils, ASSERT_* is g_bTraceASSERT.
 #define QLM_TRACE_FLAGS(X)                                                                         \
     X(ALLTVOHPGL2)                                                                                 \
-    X(AllTVONTKMDriver)                                                                            \
-    X(ALLTVORTL)                                                                                   \
-    X(BitBLT) X(BitBLTWithSource) X(BitBLTNoSource) X(BitmapRealize) X(CopyBits) X(DDI) X(         \
-        LINEATTRS) X(PDEV) X(PE) X(PenStyle) X(RealizeBrush) X(StretchBLT) X(Surface) X(TVOFixed)  \
-        X(TVOHPGL2) X(TVONTKMDriver) X(TVOPJL) X(TVORTL) X(AllPathAPIs) X(StrokePath) X(FillPath)  \
-            X(StrokeAndFillPath) X(InitLineAttrs) X(CreatePolyLine) X(CreatePolygon) X(TextOut) X( \
-                StartDoc) X(HPGL2Initialize) X(Brush) X(SetRasterFill) X(BeginDoc) X(BeginPage)    \
-                X(DrawMode) X(ClipRect) X(AllCompression) X(AdaptiveCompression) X(RLECompression) \
-                    X(TIFFCompression) X(DeltaCompression) X(StartPage) X(TVODevice) X(Escape)     \
-                        X(IgnoreClipRect) X(DevmodeLife) X(SetPrinter) X(TVOAcct) X(TVOConfig)     \
-                            X(TVODevMode) X(TVODMRegistry) X(TVOLanguageMonitor) X(TVOMem)         \
-                                X(TVOSpool) X(UIDDI) X(Propsheets) X(TVODialog) X(TVOTab)          \
-                                    X(PaperTab) X(JobTab) X(RenderTab) X(GraphicsTab) X(AboutTab)  \
-                                        X(DeviceOptionsDlg) X(LabelDlg) X(RasterStampDlg)          \
-                                            X(FinishingDlg) X(MediaInfoDlg) X(UserDefinedMediaDlg) \
+    X(AllTVONTKMDriver) X(ALLTVORTL) X(BitBLT) X(BitBLTWithSource) X(BitBLTNoSource) X(            \
+        BitmapRealize) X(CopyBits) X(DDI) X(LINEATTRS) X(PDEV) X(PE) X(PenStyle) X(RealizeBrush)   \
+        X(StretchBLT) X(Surface) X(TVOFixed) X(TVOHPGL2) X(TVONTKMDriver) X(TVOPJL) X(TVORTL) X(   \
+            AllPathAPIs) X(StrokePath) X(FillPath) X(StrokeAndFillPath) X(InitLineAttrs)           \
+            X(CreatePolyLine) X(CreatePolygon) X(TextOut) X(StartDoc) X(HPGL2Initialize) X(Brush)  \
+                X(SetRasterFill) X(BeginDoc) X(BeginPage) X(DrawMode) X(ClipRect) X(               \
+                    AllCompression) X(AdaptiveCompression) X(RLECompression) X(TIFFCompression)    \
+                    X(DeltaCompression) X(StartPage) X(TVODevice) X(Escape) X(IgnoreClipRect)      \
+                        X(DevmodeLife) X(SetPrinter) X(TVOAcct) X(TVOConfig) X(TVODevMode)         \
+                            X(TVODMRegistry) X(TVOLanguageMonitor) X(TVOMem) X(TVOSpool) X(UIDDI)  \
+                                X(Propsheets) X(TVODialog) X(TVOTab) X(PaperTab) X(JobTab)         \
+                                    X(RenderTab) X(GraphicsTab) X(AboutTab) X(DeviceOptionsDlg)    \
+                                        X(LabelDlg) X(RasterStampDlg) X(FinishingDlg)              \
+                                            X(MediaInfoDlg) X(UserDefinedMediaDlg)                 \
                                                 X(TVORollConfigDlg) X(PrinterIPDialog)             \
                                                     X(AllPrinterIPDialog) X(Gamma)                 \
                                                         X(TVONTUIDriver) X(DebugTab) X(TVOSocket)  \
