@@ -55,6 +55,8 @@ static_assert(sizeof(PRINTER_INFO_2W) == 136, "PRINTER_INFO_2W");
 static_assert(offsetof(PRINTER_INFO_2W, pDevMode) == 56, "PRINTER_INFO_2W.pDevMode");
 static_assert(offsetof(PRINTER_INFO_2W, Attributes) == 104, "PRINTER_INFO_2W.Attributes");
 static_assert(sizeof(PORT_INFO_2W) == 32, "PORT_INFO_2W");
+static_assert(sizeof(PRINTER_ENUM_VALUESW) == 32, "PRINTER_ENUM_VALUESW");
+static_assert(offsetof(PRINTER_ENUM_VALUESW, pData) == 16, "PRINTER_ENUM_VALUESW.pData");
 static_assert(sizeof(OSVERSIONINFOW) == 276, "OSVERSIONINFOW");
 static_assert(sizeof(PROPSHEETUI_INFO) == 48, "PROPSHEETUI_INFO");
 static_assert(sizeof(OPENFILENAMEW) == 152, "OPENFILENAMEW");

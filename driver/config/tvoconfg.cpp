@@ -3,6 +3,7 @@
 #include "tvoconfg.h"
 
 #include "../../resources/qlmres.h"
+#include "../foundation/qlmsnapshot.h"
 #include "../foundation/qlmtrace.h"
 #include "../foundation/wstr.h"
 
@@ -744,6 +745,18 @@ int TVOPrinterConfiguration::GetLastActiveTab()
     return static_cast<int>(dwValue);
 }
 
+int TVOPrinterConfiguration::GetLastActiveTab(QLMPrinterSnapshot& snapshot)
+{
+    QLM_TRACE_SCOPE(TEXT("TVOPrinterConfiguration::GetLastActiveTab"), TraceConfig());
+    DWORD dwValue = 0;
+    DWORD dwType = 0;
+    DWORD cbNeeded = 0;
+    if (snapshot.GetData(QLM_DRIVER_DATA_KEY, kLastActiveTab, &dwType,
+                         reinterpret_cast<LPBYTE>(&dwValue), sizeof(dwValue), &cbNeeded) != 0)
+        return 0;
+    return static_cast<int>(dwValue);
+}
+
 // ---- Papers ------------------------------------------------------------------------------------
 
 int TVOPrinterConfiguration::CountPaperInfo(TVOList list) const
@@ -1057,12 +1070,19 @@ DWORD TVOPrinterConfiguration::calcMinMaxExtent(const DEVMODEEX* lpEnv, void* lp
 
 void TVOPrinterConfiguration::getUserForms(HANDLE hPrinter)
 {
+    QLMPrinterSnapshot snapshot(hPrinter);
+    getUserForms(snapshot);
+}
+
+void TVOPrinterConfiguration::getUserForms(QLMPrinterSnapshot& snapshot)
+{
     QLM_TRACE_SCOPE(TEXT("TVOPrinterConfiguration::getUserForms"), TraceConfig());
     DWORD dwCount = 0;
     DWORD dwType = 0;
     DWORD cbNeeded = 0;
-    DWORD dwError = GetPrinterDataW(hPrinter, ValueName(kUserFormCount), &dwType,
-                                    reinterpret_cast<LPBYTE>(&dwCount), sizeof(dwCount), &cbNeeded);
+    DWORD dwError =
+        snapshot.GetData(QLM_DRIVER_DATA_KEY, kUserFormCount, &dwType,
+                         reinterpret_cast<LPBYTE>(&dwCount), sizeof(dwCount), &cbNeeded);
     if (dwError != 0) {
         Trace(TEXT("Couldn't get userformcount, dwError=%d, GetLastError()=%d"), dwError,
               GetLastError());
@@ -1080,19 +1100,26 @@ void TVOPrinterConfiguration::getUserForms(HANDLE hPrinter)
         WCHAR szName[32];
         FormatUserFormName(szName, 32, i);
         // A missing record stays as it was; one of another size is taken as far as it goes.
-        GetPrinterDataW(hPrinter, szName, &dwType, reinterpret_cast<LPBYTE>(&m_UserForms[i]),
-                        sizeof(USERFORM), &cbNeeded);
+        snapshot.GetData(QLM_DRIVER_DATA_KEY, szName, &dwType,
+                         reinterpret_cast<LPBYTE>(&m_UserForms[i]), sizeof(USERFORM), &cbNeeded);
     }
 }
 
 void TVOPrinterConfiguration::setUserForms(HANDLE hPrinter)
 {
+    QLMPrinterSnapshot snapshot(hPrinter);
+    setUserForms(snapshot);
+}
+
+void TVOPrinterConfiguration::setUserForms(QLMPrinterSnapshot& snapshot)
+{
     QLM_TRACE_SCOPE(TEXT("TVOPrinterConfiguration::setUserForms"), TraceConfig());
+    HANDLE hPrinter = snapshot.Printer();
     DWORD dwStored = 0;
     DWORD dwType = 0;
     DWORD cbNeeded = 0;
-    GetPrinterDataW(hPrinter, ValueName(kUserFormCount), &dwType,
-                    reinterpret_cast<LPBYTE>(&dwStored), sizeof(dwStored), &cbNeeded);
+    snapshot.GetData(QLM_DRIVER_DATA_KEY, kUserFormCount, &dwType,
+                     reinterpret_cast<LPBYTE>(&dwStored), sizeof(dwStored), &cbNeeded);
     // Only this code writes forms, never more than 64: a larger stored count is damage, and
     // emptying up to it would cost one store write for each of up to 65535 values.
     int oldCount = LOWORD(dwStored);
@@ -1103,9 +1130,19 @@ void TVOPrinterConfiguration::setUserForms(HANDLE hPrinter)
         m_UserFormCount = kMAX_USER_FORMS;
     if (m_UserFormCount < 0)
         m_UserFormCount = 0;
+
+    // A value that already holds what would be written is left as it is: the store ends the
+    // same, and the sheet's close costs no call per form.
+    bool bWritten = false;
+    auto store = [&](LPWSTR pszName, DWORD dwValueType, const void* pData, DWORD cbData) {
+        const BYTE* pBytes = static_cast<const BYTE*>(pData);
+        if (snapshot.Holds(QLM_DRIVER_DATA_KEY, pszName, dwValueType, pBytes, cbData))
+            return;
+        SetPrinterDataW(hPrinter, pszName, dwValueType, const_cast<LPBYTE>(pBytes), cbData);
+        bWritten = true;
+    };
     DWORD dwCount = static_cast<DWORD>(m_UserFormCount);
-    SetPrinterDataW(hPrinter, ValueName(kUserFormCount), REG_DWORD,
-                    reinterpret_cast<LPBYTE>(&dwCount), sizeof(dwCount));
+    store(ValueName(kUserFormCount), REG_DWORD, &dwCount, sizeof(dwCount));
 
     // Records behind the new count are emptied, not deleted: nothing reads past the count.
     const int rounds = oldCount > m_UserFormCount ? oldCount : m_UserFormCount;
@@ -1113,9 +1150,10 @@ void TVOPrinterConfiguration::setUserForms(HANDLE hPrinter)
         WCHAR szName[32];
         FormatUserFormName(szName, 32, i);
         if (i < m_UserFormCount)
-            SetPrinterDataW(hPrinter, szName, REG_BINARY, reinterpret_cast<LPBYTE>(&m_UserForms[i]),
-                            sizeof(USERFORM));
+            store(szName, REG_BINARY, &m_UserForms[i], sizeof(USERFORM));
         else
-            SetPrinterDataW(hPrinter, szName, REG_BINARY, nullptr, 0);
+            store(szName, REG_BINARY, nullptr, 0);
     }
+    if (bWritten)
+        snapshot.DataStored(QLM_DRIVER_DATA_KEY);
 }

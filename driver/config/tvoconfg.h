@@ -6,6 +6,8 @@
 
 #include "../devmode/devmodeex.h"
 
+class QLMPrinterSnapshot;
+
 // One row of a list table: the resource string that names a choice, and the choice's value.
 // A row with identifier 0 ends the list.
 struct TVOListEntry
@@ -100,6 +102,7 @@ public:
     // Which tab was open last: the printer data value "LastActiveTab" (tab resource id - 101).
     void SetLastActiveTab(DWORD resourceId);
     int GetLastActiveTab();
+    int GetLastActiveTab(QLMPrinterSnapshot& snapshot);
 
     // DC_PAPERS (WORD codes), DC_PAPERSIZE (POINT, tenths of a millimetre) or DC_PAPERNAMES
     // (64 WCHARs each) of the families switched on in lpEnv; with a NULL lpOutput only the
@@ -134,9 +137,12 @@ public:
     // DC_MINEXTENT or DC_MAXEXTENT of the model's papers: length << 16 | width.
     DWORD calcMinMaxExtent(const DEVMODEEX* lpEnv, void* lpOutput, WORD wIndex);
 
-    // The printer's user forms from and to its printer data.
+    // The printer's user forms from and to its printer data. The values come with one
+    // enumeration of the key, and a save writes only what the store does not hold already.
     void getUserForms(HANDLE hPrinter);
     void setUserForms(HANDLE hPrinter);
+    void getUserForms(QLMPrinterSnapshot& snapshot);
+    void setUserForms(QLMPrinterSnapshot& snapshot);
     // Fills dm's dmxFinisher from a finisher description file. Returns 5, the finisher type
     // of a file-made finisher, or 0 when the file lacks Model, Version or Programs, in which
     // case dm is untouched. Counts beyond the block's room are cut to it.

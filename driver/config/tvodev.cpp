@@ -2,6 +2,7 @@
 #include "tvodev.h"
 
 #include "../devmode/tvodm.h"
+#include "../foundation/qlmsnapshot.h"
 #include "../foundation/qlmtrace.h"
 #include "../foundation/qlmutils.h"
 
@@ -69,28 +70,42 @@ TVODevice::~TVODevice()
 
 void TVODevice::setDeviceConfiguration(HANDLE hPrinter)
 {
+    QLMPrinterSnapshot snapshot(hPrinter);
+    setDeviceConfiguration(snapshot);
+}
+
+void TVODevice::setDeviceConfiguration(QLMPrinterSnapshot& snapshot)
+{
     QLM_TRACE_SCOPE(TEXT("TVODevice::setDeviceConfiguration"), TraceDevice());
     if (!m_bReadDebugSwitches) {
-        ReadAllDebugSwitches(hPrinter);
+        ReadAllDebugSwitches(snapshot);
         m_bReadDebugSwitches = TRUE;
     }
-    LPCWSTR pszDriverName = QLMGetDriverName(hPrinter);
+    LPCWSTR pszDriverName = QLMGetDriverName(snapshot);
     if (!pszDriverName)
         pszDriverName = TEXT("default");
     m_pConfig = new (std::nothrow) TVOPrinterConfiguration(pszDriverName);
     ASSERT(m_pConfig);
     if (!m_pConfig)
         return;
-    m_pConfig->setPrinterHandle(hPrinter);
+    m_pConfig->setPrinterHandle(snapshot.Printer());
     m_PrinterModel = m_pConfig->m_PrinterModel;
     m_pEscapeTable = kEscapeTable;
-    m_pConfig->getUserForms(hPrinter);
+    m_pConfig->getUserForms(snapshot);
 }
 
 LONG TVODevice::deviceCapabilities(HANDLE hPrinter, LPCWSTR pDeviceName, WORD wIndex, void* pOutput,
                                    DEVMODEW* pDevMode)
 {
+    QLMPrinterSnapshot snapshot(hPrinter);
+    return deviceCapabilities(snapshot, pDeviceName, wIndex, pOutput, pDevMode);
+}
+
+LONG TVODevice::deviceCapabilities(QLMPrinterSnapshot& snapshot, LPCWSTR pDeviceName, WORD wIndex,
+                                   void* pOutput, DEVMODEW* pDevMode)
+{
     QLM_TRACE_SCOPE(TEXT("TVODevice::deviceCapabilities"), TraceDevice());
+    HANDLE hPrinter = snapshot.Printer();
     Trace(TEXT("wIndex=%u, pOutput=%p, pDevMode=%p"), wIndex, pOutput, pDevMode);
     bool bDone = false;
     LONG lAnswer = answerWithoutRecord(wIndex, pOutput, pDevMode, &bDone);
@@ -100,7 +115,7 @@ LONG TVODevice::deviceCapabilities(HANDLE hPrinter, LPCWSTR pDeviceName, WORD wI
     // The second stage reads a record: the caller's, or the queue's default.
     DEVMODEEX dmLocal;
     if (!pDevMode) {
-        TVODevMode devMode(hPrinter);
+        TVODevMode devMode(hPrinter, &snapshot);
         if (!devMode.m_lpDM || !devMode.getDeviceMode(hPrinter, pDeviceName, TEXT(""), nullptr))
             return 0;
         memcpy(static_cast<void*>(&dmLocal), devMode.m_lpDM, sizeof(DEVMODEEX));

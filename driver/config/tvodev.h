@@ -31,6 +31,10 @@ public:
     // record; a record of the caller is read as this driver's.
     LONG deviceCapabilities(HANDLE hPrinter, LPCWSTR pDeviceName, WORD wIndex, void* pOutput,
                             DEVMODEW* pDevMode);
+    // The same within one export call: the steps share what the call's snapshot has fetched.
+    void setDeviceConfiguration(QLMPrinterSnapshot& snapshot);
+    LONG deviceCapabilities(QLMPrinterSnapshot& snapshot, LPCWSTR pDeviceName, WORD wIndex,
+                            void* pOutput, DEVMODEW* pDevMode);
 
     TVOPrinterConfiguration* m_pConfig;
 

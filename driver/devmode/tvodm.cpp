@@ -24,8 +24,11 @@ BOOL TraceDevMode()
 
 } // namespace
 
-TVODevMode::TVODevMode(DEVMODEEX* lpDM)
-    : m_lpDM(lpDM), m_bOwnDM(FALSE), m_szScratch{}, m_bGOTprinterDataAlready(FALSE)
+TVODevMode::TVODevMode(DEVMODEEX* lpDM) : TVODevMode(lpDM, nullptr) {}
+
+TVODevMode::TVODevMode(DEVMODEEX* lpDM, QLMPrinterSnapshot* pSnapshot)
+    : m_lpDM(lpDM), m_bOwnDM(FALSE), m_szScratch{}, m_bGOTprinterDataAlready(FALSE),
+      m_pSnapshot(pSnapshot)
 {
     QLM_TRACE_SCOPE(TEXT("TVODevMode::TVODevMode(lpDM)"), TraceDevMode());
     ASSERT(lpDM);
@@ -33,7 +36,8 @@ TVODevMode::TVODevMode(DEVMODEEX* lpDM)
 }
 
 TVODevMode::TVODevMode()
-    : m_lpDM(nullptr), m_bOwnDM(FALSE), m_szScratch{}, m_bGOTprinterDataAlready(FALSE)
+    : m_lpDM(nullptr), m_bOwnDM(FALSE), m_szScratch{}, m_bGOTprinterDataAlready(FALSE),
+      m_pSnapshot(nullptr)
 {
     QLM_TRACE_SCOPE(TEXT("TVODevMode::TVODevMode()"), TraceDevMode());
     s_nDefaultConstructed++;
@@ -42,14 +46,38 @@ TVODevMode::TVODevMode()
         setDefaults(nullptr);
 }
 
-TVODevMode::TVODevMode(HANDLE hPrinter)
-    : m_lpDM(nullptr), m_bOwnDM(FALSE), m_szScratch{}, m_bGOTprinterDataAlready(FALSE)
+TVODevMode::TVODevMode(HANDLE hPrinter) : TVODevMode(hPrinter, nullptr) {}
+
+TVODevMode::TVODevMode(HANDLE hPrinter, QLMPrinterSnapshot* pSnapshot)
+    : m_lpDM(nullptr), m_bOwnDM(FALSE), m_szScratch{}, m_bGOTprinterDataAlready(FALSE),
+      m_pSnapshot(pSnapshot)
 {
     QLM_TRACE_SCOPE(TEXT("TVODevMode::TVODevMode(hPrinter)"), TraceDevMode());
     s_nPrinterConstructed++;
     AllocateRecord();
     if (m_lpDM)
         setDefaults(hPrinter);
+}
+
+TVODevMode::UseSnapshot::UseSnapshot(TVODevMode& devMode, HANDLE hPrinter)
+    : m_devMode(devMode), m_pSaved(devMode.m_pSnapshot)
+{
+    if (!m_pSaved || m_pSaved->Printer() != hPrinter)
+        m_devMode.m_pSnapshot = &m_own.emplace(hPrinter);
+}
+
+TVODevMode::UseSnapshot::~UseSnapshot()
+{
+    m_devMode.m_pSnapshot = m_pSaved;
+}
+
+bool TVODevMode::PortTestSeen(QLMPrinterSnapshot& snapshot)
+{
+    if (!snapshot.RecordsStay() || TraceCouldShow(g_bTraceQLMPrinterFunctions))
+        return true;
+    // A queue without a stored record gets this one saved.
+    const PRINTER_INFO_2W* pInfo = snapshot.PrinterInfo();
+    return pInfo && !pInfo->pDevMode;
 }
 
 void TVODevMode::AllocateRecord()
@@ -104,30 +132,47 @@ BOOL TVODevMode::StoreQueueRecord(HANDLE hPrinter, PRINTER_INFO_2W* pInfo, DEVMO
     return SetPrinterW(hPrinter, 2, reinterpret_cast<LPBYTE>(pInfo), 0);
 }
 
+namespace {
+
+// Whether a queue's name holds one of the names of the 600 dpi family.
+BOOL IsSorrentoName(LPCWSTR pszName)
+{
+    static const WCHAR* const kFamily[] = {TEXT("3310"), TEXT("3320"), TEXT("3320A"), TEXT("3344")};
+    if (!pszName)
+        return FALSE;
+    for (const WCHAR* model : kFamily) {
+        if (WstrStr(pszName, model))
+            return TRUE;
+    }
+    return FALSE;
+}
+
+} // namespace
+
 BOOL TVODevMode::IsSorrento(HANDLE hPrinter)
 {
     QLM_TRACE_SCOPE(TEXT("TVODevMode::IsSorrento"), TraceDevMode());
     PRINTER_INFO_1W* pInfo = reinterpret_cast<PRINTER_INFO_1W*>(QLMGetPrinterInfo(hPrinter, 1));
     if (!pInfo)
         return FALSE;
-    BOOL bSorrento = FALSE;
     // The queue's name decides, not the driver's: a renamed queue loses or gains the default.
-    static const WCHAR* const kFamily[] = {TEXT("3310"), TEXT("3320"), TEXT("3320A"), TEXT("3344")};
-    if (pInfo->pName) {
-        for (const WCHAR* model : kFamily) {
-            if (WstrStr(pInfo->pName, model)) {
-                bSorrento = TRUE;
-                break;
-            }
-        }
-    }
+    BOOL bSorrento = IsSorrentoName(pInfo->pName);
     GlobalFree(pInfo);
     return bSorrento;
+}
+
+BOOL TVODevMode::IsSorrento(QLMPrinterSnapshot& snapshot)
+{
+    QLM_TRACE_SCOPE(TEXT("TVODevMode::IsSorrento"), TraceDevMode());
+    // Level 2 names the queue as level 1 does; the call has it in hand already.
+    const PRINTER_INFO_2W* pInfo = snapshot.PrinterInfo();
+    return pInfo ? IsSorrentoName(pInfo->pPrinterName) : FALSE;
 }
 
 int TVODevMode::setDefaults(HANDLE hPrinter)
 {
     QLM_TRACE_SCOPE(TEXT("TVODevMode::setDefaults"), TraceDevMode());
+    UseSnapshot snapshot(*this, hPrinter);
     DEVMODEEX* dm = m_lpDM;
     DEVMODEW& pub = dm->dmPublic;
 
@@ -142,7 +187,7 @@ int TVODevMode::setDefaults(HANDLE hPrinter)
     pub.dmSpecVersion = TVO_SPEC_VERSION;
     pub.dmSize = sizeof(DEVMODEW);
     pub.dmDriverExtra = kDEVMODEEX_DRIVER_EXTRA;
-    pub.dmPrintQuality = IsSorrento(hPrinter) ? 600 : 400;
+    pub.dmPrintQuality = IsSorrento(*snapshot) ? 600 : 400;
     pub.dmFields = kTVO_DM_FIELDS;
     pub.dmOrientation = DMORIENT_PORTRAIT;
     pub.dmCollate = DMCOLLATE_FALSE;
@@ -276,7 +321,8 @@ int TVODevMode::setDefaults(HANDLE hPrinter)
     pub.dmPaperLength = 2794;
     dm->dmxPaperLength = TVOFixed(2794);
 
-    dm->dmxBiDi = QLMPortIsBiDi(hPrinter);
+    if (PortTestSeen(*snapshot))
+        dm->dmxBiDi = QLMPortIsBiDi(*snapshot);
     dm->dmxRefreshOnOpen = 0;
     dm->dmxRenderList = 0;
     return 1;
@@ -284,60 +330,67 @@ int TVODevMode::setDefaults(HANDLE hPrinter)
 
 namespace {
 
-// Whether EnumPortsW lists the port (compared without regard to case) with the monitor.
-BOOL PortHasMonitor(LPCWSTR port, LPCWSTR monitor, LPCWSTR pszAllocationFailure)
+// Whether the port list holds the port (compared without regard to case) with the monitor.
+BOOL PortHasMonitor(QLMPrinterSnapshot& snapshot, LPCWSTR port, LPCWSTR monitor,
+                    LPCWSTR pszAllocationFailure)
 {
-    DWORD cbNeeded = 0, cReturned = 0;
-    EnumPortsW(nullptr, 2, nullptr, 0, &cbNeeded, &cReturned);
-    LPBYTE pPorts = static_cast<LPBYTE>(GlobalAlloc(GPTR, cbNeeded ? cbNeeded : 1));
-    if (!pPorts) {
-        Trace(TEXT("%s"), pszAllocationFailure);
+    DWORD cPorts = 0;
+    const PORT_INFO_2W* pInfo = snapshot.Ports(&cPorts, pszAllocationFailure);
+    if (!pInfo)
         return 0;
+    for (DWORD i = 0; i < cPorts; i++) {
+        if (port && pInfo[i].pPortName && WstrICmp(pInfo[i].pPortName, port) == 0)
+            return pInfo[i].pMonitorName && WstrICmp(pInfo[i].pMonitorName, monitor) == 0;
     }
-    BOOL bResult = 0;
-    if (EnumPortsW(nullptr, 2, pPorts, cbNeeded, &cbNeeded, &cReturned)) {
-        const PORT_INFO_2W* pInfo = reinterpret_cast<const PORT_INFO_2W*>(pPorts);
-        for (DWORD i = 0; i < cReturned; i++) {
-            if (port && pInfo[i].pPortName && WstrICmp(pInfo[i].pPortName, port) == 0) {
-                bResult = pInfo[i].pMonitorName && WstrICmp(pInfo[i].pMonitorName, monitor) == 0;
-                break;
-            }
-        }
-    }
-    GlobalFree(pPorts);
-    return bResult;
+    return 0;
 }
 
 } // namespace
 
-BOOL QLMPortIsStdTCPIP(LPCWSTR port)
+BOOL QLMPortIsStdTCPIP(QLMPrinterSnapshot& snapshot, LPCWSTR port)
 {
     QLM_TRACE_SCOPE(TEXT("QLMPortIsStdTCPIP"), g_bTraceQLMPrinterFunctions);
-    return PortHasMonitor(port, TEXT("TCPMON.DLL"),
+    return PortHasMonitor(snapshot, port, TEXT("TCPMON.DLL"),
                           TEXT("failed allocating PORT_INFO_2 in QLMPortIsStdTCPIP"));
+}
+
+BOOL QLMPortIsStdTCPIP(LPCWSTR port)
+{
+    QLMPrinterSnapshot snapshot(nullptr);
+    return QLMPortIsStdTCPIP(snapshot, port);
+}
+
+BOOL QLMPortIsTVONetPort(QLMPrinterSnapshot& snapshot, LPCWSTR port)
+{
+    QLM_TRACE_SCOPE(TEXT("QLMPortIsTVONetPort"), g_bTraceQLMPrinterFunctions);
+    return PortHasMonitor(snapshot, port, TEXT("TVO Net Port"),
+                          TEXT("failed allocating PORT_INFO_2 in QLMPortIsTVONetPort"));
 }
 
 BOOL QLMPortIsTVONetPort(LPCWSTR port)
 {
-    QLM_TRACE_SCOPE(TEXT("QLMPortIsTVONetPort"), g_bTraceQLMPrinterFunctions);
-    return PortHasMonitor(port, TEXT("TVO Net Port"),
-                          TEXT("failed allocating PORT_INFO_2 in QLMPortIsTVONetPort"));
+    QLMPrinterSnapshot snapshot(nullptr);
+    return QLMPortIsTVONetPort(snapshot, port);
+}
+
+BOOL QLMPortIsBiDi(QLMPrinterSnapshot& snapshot)
+{
+    QLM_TRACE_SCOPE(TEXT("QLMPortIsBiDi"), g_bTraceQLMPrinterFunctions);
+    if (!snapshot.Printer()) {
+        Trace(TEXT("Port is not bidi because hPrinter==NULL"));
+        return 0;
+    }
+    const PRINTER_INFO_2W* pInfo =
+        snapshot.PrinterInfo(TEXT("failed allocating PRINTER_INFO_2 in QLMPortIsBiDi"));
+    if (!pInfo)
+        return 0;
+    // The monitor alone decides; whether the printer answers shows when it is asked.
+    return pInfo->pPortName && (QLMPortIsStdTCPIP(snapshot, pInfo->pPortName) ||
+                                QLMPortIsTVONetPort(snapshot, pInfo->pPortName));
 }
 
 BOOL QLMPortIsBiDi(HANDLE hPrinter)
 {
-    QLM_TRACE_SCOPE(TEXT("QLMPortIsBiDi"), g_bTraceQLMPrinterFunctions);
-    if (!hPrinter) {
-        Trace(TEXT("Port is not bidi because hPrinter==NULL"));
-        return 0;
-    }
-    PRINTER_INFO_2W* pInfo = reinterpret_cast<PRINTER_INFO_2W*>(
-        QLMGetPrinterInfo(hPrinter, 2, TEXT("failed allocating PRINTER_INFO_2 in QLMPortIsBiDi")));
-    if (!pInfo)
-        return 0;
-    // The monitor alone decides; whether the printer answers shows when it is asked.
-    BOOL bBiDi = pInfo->pPortName &&
-                 (QLMPortIsStdTCPIP(pInfo->pPortName) || QLMPortIsTVONetPort(pInfo->pPortName));
-    GlobalFree(pInfo);
-    return bBiDi;
+    QLMPrinterSnapshot snapshot(hPrinter);
+    return QLMPortIsBiDi(snapshot);
 }

@@ -4,6 +4,10 @@
 
 #include "devmodeex.h"
 
+#include "../foundation/qlmsnapshot.h"
+
+#include <optional>
+
 class TVODevMode
 {
 public:
@@ -13,6 +17,10 @@ public:
     TVODevMode();
     // Owns a fresh record filled with the defaults of hPrinter.
     explicit TVODevMode(HANDLE hPrinter);
+    // The same, within one export call: the steps on the snapshot's printer take what the call
+    // has fetched of it already. The snapshot outlives the object.
+    TVODevMode(DEVMODEEX* lpDM, QLMPrinterSnapshot* pSnapshot);
+    TVODevMode(HANDLE hPrinter, QLMPrinterSnapshot* pSnapshot);
     // An owned record has its guards checked, then is freed; the checks only report.
     virtual ~TVODevMode();
     TVODevMode(const TVODevMode&) = delete;
@@ -49,6 +57,8 @@ public:
     // TRUE for the printers whose default resolution is 600: the queue's name holds 3310, 3320,
     // 3320A or 3344.
     static BOOL IsSorrento(HANDLE hPrinter);
+    // The same from the queue's name in the snapshot's PRINTER_INFO_2.
+    static BOOL IsSorrento(QLMPrinterSnapshot& snapshot);
 
     // The printer's words to record codes; exact text, first row wins.
     static LONG GetFirmwareRev(LPCWSTR pszText);     // no match: 28
@@ -81,8 +91,33 @@ public:
     BOOL m_bGOTprinterDataAlready;
 
 private:
+    class UseSnapshot;
     void AllocateRecord();
+    // Whether the port test must run for this record: the record may leave the call, in its
+    // caller's hands or in the queue's store, or a trace switch would show the test.
+    static bool PortTestSeen(QLMPrinterSnapshot& snapshot);
     void CheckGuards() const;
+
+    // The export call's snapshot, or null; set for as long as one of the object's steps runs.
+    QLMPrinterSnapshot* m_pSnapshot;
+};
+
+// The snapshot one step of a TVODevMode works with for hPrinter: the object's when it is of that
+// printer, else one of the step's own, which the object uses until the step ends.
+class TVODevMode::UseSnapshot
+{
+public:
+    UseSnapshot(TVODevMode& devMode, HANDLE hPrinter);
+    ~UseSnapshot();
+    UseSnapshot(const UseSnapshot&) = delete;
+    UseSnapshot& operator=(const UseSnapshot&) = delete;
+    QLMPrinterSnapshot& operator*() const { return *m_devMode.m_pSnapshot; }
+    QLMPrinterSnapshot* operator->() const { return m_devMode.m_pSnapshot; }
+
+private:
+    TVODevMode& m_devMode;
+    QLMPrinterSnapshot* m_pSaved;
+    std::optional<QLMPrinterSnapshot> m_own;
 };
 
 // Whether a refresh is possible on the queue's port: its monitor is the standard TCP/IP port
@@ -90,3 +125,7 @@ private:
 BOOL QLMPortIsBiDi(HANDLE hPrinter);
 BOOL QLMPortIsStdTCPIP(LPCWSTR port);
 BOOL QLMPortIsTVONetPort(LPCWSTR port);
+// The same from the port and the port list that the call's snapshot holds.
+BOOL QLMPortIsBiDi(QLMPrinterSnapshot& snapshot);
+BOOL QLMPortIsStdTCPIP(QLMPrinterSnapshot& snapshot, LPCWSTR port);
+BOOL QLMPortIsTVONetPort(QLMPrinterSnapshot& snapshot, LPCWSTR port);

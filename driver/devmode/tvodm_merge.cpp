@@ -73,6 +73,14 @@ bool PrivatePartDiffers(const DEVMODEW* pdm, DWORD cbPrivate)
     return bDiffers;
 }
 
+// Stores info, which carries our record, as the queue's; what the call holds of the queue
+// follows.
+void SaveRecord(QLMPrinterSnapshot& snapshot, PRINTER_INFO_2W& info)
+{
+    if (SetPrinterW(snapshot.Printer(), 2, reinterpret_cast<LPBYTE>(&info), 0))
+        snapshot.PrinterStored(info);
+}
+
 // Copies szDevName into dmDeviceName as wcsncpy does: at most 32 characters.
 void SetDeviceName(DEVMODEEX* pdm, LPCWSTR szDevName)
 {
@@ -88,7 +96,10 @@ void TVODevMode::getPrinterData(HANDLE hPrinter)
     if (m_bGOTprinterDataAlready)
         return;
     m_bGOTprinterDataAlready = TRUE;
-    m_lpDM->dmxBiDi = QLMPortIsBiDi(hPrinter);
+    UseSnapshot snapshot(*this, hPrinter);
+    if (!PortTestSeen(*snapshot))
+        return;
+    m_lpDM->dmxBiDi = QLMPortIsBiDi(*snapshot);
     if (m_lpDM->dmxBiDi == 0)
         m_lpDM->dmxAccountingMode = 1;
 }
@@ -100,24 +111,29 @@ int TVODevMode::getDeviceMode(HANDLE hPrinter, LPCWSTR szPort, LPCWSTR szDevName
           szPort ? szPort : TEXT("(null)"), szDevName ? szDevName : TEXT("(null)"),
           szProfile ? szProfile : TEXT("(null)"));
 
+    // One fetch of the queue's information serves the record, the defaults and the port test.
+    UseSnapshot snapshot(*this, hPrinter);
     // Set when the queue has no record at all: only then is the result saved.
     BOOL bNeedToSaveDevmode = FALSE;
     DWORD dwData = 0;
-    PRINTER_INFO_2W* pInfo = reinterpret_cast<PRINTER_INFO_2W*>(QLMGetPrinterInfo(hPrinter, 2));
-    if (pInfo) {
+    const PRINTER_INFO_2W* pStored = snapshot->PrinterInfo();
+    // What a save hands the spooler: the queue's information with our record in it.
+    PRINTER_INFO_2W info = {};
+    if (pStored) {
+        info = *pStored;
         dwData = kDEVMODEEX_SIZE;
-        if (!pInfo->pDevMode) {
+        if (!info.pDevMode) {
             bNeedToSaveDevmode = TRUE;
-            pInfo->pDevMode = &m_lpDM->dmPublic;
+            info.pDevMode = &m_lpDM->dmPublic;
         } else {
             // The whole record when its private part has our size, else its public part; never
             // more than the stored record says it holds.
-            DWORD cbCopy = pInfo->pDevMode->dmDriverExtra == kDEVMODEEX_DRIVER_EXTRA
+            DWORD cbCopy = info.pDevMode->dmDriverExtra == kDEVMODEEX_DRIVER_EXTRA
                                ? kDEVMODEEX_SIZE
                                : sizeof(DEVMODEW);
-            cbCopy = std::min(cbCopy, DeclaredSize(pInfo->pDevMode));
-            cbCopy = std::min(cbCopy, RoomInBlock(pInfo, pInfo->pDevMode));
-            memcpy(static_cast<void*>(m_lpDM), pInfo->pDevMode, cbCopy);
+            cbCopy = std::min(cbCopy, DeclaredSize(info.pDevMode));
+            cbCopy = std::min(cbCopy, RoomInBlock(pStored, info.pDevMode));
+            memcpy(static_cast<void*>(m_lpDM), info.pDevMode, cbCopy);
             m_lpDM->dmPublic.dmSize = sizeof(DEVMODEW);
         }
     }
@@ -133,8 +149,7 @@ int TVODevMode::getDeviceMode(HANDLE hPrinter, LPCWSTR szPort, LPCWSTR szDevName
         getPrinterData(hPrinter);
         SetDeviceName(m_lpDM, szDevName);
         if (bNeedToSaveDevmode)
-            SetPrinterW(hPrinter, 2, reinterpret_cast<LPBYTE>(pInfo), 0);
-        GlobalFree(pInfo);
+            SaveRecord(*snapshot, info);
         return 1;
     }
 
@@ -151,7 +166,7 @@ int TVODevMode::getDeviceMode(HANDLE hPrinter, LPCWSTR szPort, LPCWSTR szDevName
     setDefaults(hPrinter);
     if (dwData != 0) {
         TVOPrinterConfiguration* pConfig =
-            new (std::nothrow) TVOPrinterConfiguration(QLMGetDriverName(hPrinter));
+            new (std::nothrow) TVOPrinterConfiguration(QLMGetDriverName(*snapshot));
         ASSERT(pConfig != 0);
         if (pConfig && pForeign)
             modifyDeviceMode(hPrinter, &pForeign->dmPublic, pConfig->m_PrinterModel);
@@ -161,12 +176,9 @@ int TVODevMode::getDeviceMode(HANDLE hPrinter, LPCWSTR szPort, LPCWSTR szDevName
     }
     getPrinterData(hPrinter);
     SetDeviceName(m_lpDM, szDevName);
-    if (pInfo) {
-        if (bNeedToSaveDevmode) {
-            pInfo->pDevMode = &m_lpDM->dmPublic;
-            SetPrinterW(hPrinter, 2, reinterpret_cast<LPBYTE>(pInfo), 0);
-        }
-        GlobalFree(pInfo);
+    if (pStored && bNeedToSaveDevmode) {
+        info.pDevMode = &m_lpDM->dmPublic;
+        SaveRecord(*snapshot, info);
     }
     return 1;
 }

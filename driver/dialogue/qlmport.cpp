@@ -1,6 +1,7 @@
 // The printer's address, derived from its port name or from the map in the printer data.
 #include "qlmport.h"
 
+#include "../foundation/qlmsnapshot.h"
 #include "../foundation/qlmtrace.h"
 #include "../foundation/qlmutils.h"
 #include "../foundation/wstr.h"
@@ -58,13 +59,20 @@ size_t QLMToNarrow(char* dst, size_t cbDst, const WCHAR* src)
 
 BOOL QLMIsFirstTimeEver(HANDLE hPrinter)
 {
+    QLMPrinterSnapshot snapshot(hPrinter);
+    return QLMIsFirstTimeEver(snapshot);
+}
+
+BOOL QLMIsFirstTimeEver(QLMPrinterSnapshot& snapshot)
+{
     QLM_TRACE_SCOPE(TEXT("QLMIsFirstTimeEver"), TracePort());
+    HANDLE hPrinter = snapshot.Printer();
     if (!hPrinter) {
         ASSERT(hPrinter);
         return 0;
     }
     DWORD dwValue = 0;
-    return QLMGetUserDWORD(hPrinter, TEXT("QLMIsFirstTime"), &dwValue) != ERROR_SUCCESS ? 1 : 0;
+    return QLMGetUserDWORD(snapshot, TEXT("QLMIsFirstTime"), &dwValue) != ERROR_SUCCESS ? 1 : 0;
 }
 
 WCHAR* QLMGetPortNameU(HANDLE hPrinter)

@@ -8,6 +8,8 @@
 
 #include <cstddef>
 
+class QLMPrinterSnapshot;
+
 // Room of each text result, terminator included.
 constexpr size_t kQLM_PORT_CB = 127;
 constexpr size_t kQLM_ADDRESS_CB = 127;
@@ -18,6 +20,8 @@ constexpr DWORD kQLM_MAP_VALUE_CB = 254;
 // "QLMIsFirstTime" cannot be read, whatever the reason. Its value does not count. A null
 // handle asserts and gives 0.
 BOOL QLMIsFirstTimeEver(HANDLE hPrinter);
+// The same with the queue's name from the call's snapshot.
+BOOL QLMIsFirstTimeEver(QLMPrinterSnapshot& snapshot);
 
 // The queue's port name in 8-bit form (cut to fit), or null.
 char* QLMGetPortName(HANDLE hPrinter);

@@ -6,6 +6,7 @@
 #include "../devmode/tvodm.h"
 #include "../dialogue/qlmport.h"
 #include "../dialogue/qlmrefresh.h"
+#include "../foundation/qlmsnapshot.h"
 #include "../foundation/qlmtrace.h"
 #include "../foundation/qlmutils.h"
 #include "../ui/tvoabout.h"
@@ -74,21 +75,24 @@ const TabRow kTabs[] = {
     {IDD_ABOUT_TAB, &TVOPrinterConfiguration::m_bShowDeviceTab, MakeAboutTab, "pAboutTab != 0"},
 };
 
-// The queue prints raw from now on. A user without the right fails here and goes on.
-void MarkRawOnly(HANDLE hPrinter)
+// The queue prints raw from now on. A user without the right fails here and goes on. The
+// queue's information as this call read it is what goes back, through the handle with the
+// right to write it; a queue that prints raw already needs no write.
+void MarkRawOnly(QLMPrinterSnapshot& snapshot)
 {
-    LPWSTR pszName = QLMGetPrinterName(hPrinter);
+    LPWSTR pszName = QLMGetPrinterName(snapshot);
     PRINTER_DEFAULTSW defaults = {nullptr, nullptr, PRINTER_ALL_ACCESS};
     HANDLE hAdmin = nullptr;
     if (!pszName || !OpenPrinterW(pszName, &hAdmin, &defaults) || !hAdmin) {
         Trace(TEXT("raw spooling not set, GetLastError is %d"), GetLastError());
         return;
     }
-    auto* pInfo = reinterpret_cast<PRINTER_INFO_2W*>(QLMGetPrinterInfo(hAdmin, 2));
-    if (pInfo) {
-        pInfo->Attributes |= PRINTER_ATTRIBUTE_RAW_ONLY;
-        SetPrinterW(hAdmin, 2, reinterpret_cast<LPBYTE>(pInfo), 0);
-        GlobalFree(pInfo);
+    const PRINTER_INFO_2W* pStored = snapshot.PrinterInfo();
+    if (pStored && !(pStored->Attributes & PRINTER_ATTRIBUTE_RAW_ONLY)) {
+        PRINTER_INFO_2W info = *pStored;
+        info.Attributes |= PRINTER_ATTRIBUTE_RAW_ONLY;
+        if (SetPrinterW(hAdmin, 2, reinterpret_cast<LPBYTE>(&info), 0))
+            snapshot.PrinterStored(info);
     }
     ClosePrinter(hAdmin);
 }
@@ -107,16 +111,16 @@ void SetCallersBiDi(DEVMODEW* pdm, DWORD cbRoom, BOOL bidi)
         reinterpret_cast<DEVMODEEX*>(pdm)->dmxBiDi = static_cast<DWORD>(bidi);
 }
 
-TVOPrinterConfiguration* NewConfiguration(HANDLE hPrinter, LPCWSTR pszPrinterName,
+TVOPrinterConfiguration* NewConfiguration(QLMPrinterSnapshot& snapshot, LPCWSTR pszPrinterName,
                                           BOOL bNoPermission)
 {
-    LPCWSTR pszDriver = QLMGetDriverName(hPrinter);
+    LPCWSTR pszDriver = QLMGetDriverName(snapshot);
     auto* pConfig =
         new (std::nothrow) TVOPrinterConfiguration(pszDriver ? pszDriver : pszPrinterName);
     if (!pConfig)
         return nullptr;
-    pConfig->setPrinterHandle(hPrinter);
-    pConfig->getUserForms(hPrinter);
+    pConfig->setPrinterHandle(snapshot.Printer());
+    pConfig->getUserForms(snapshot);
     if (bNoPermission)
         pConfig->m_bHasPermission = 0;
     return pConfig;
@@ -124,10 +128,10 @@ TVOPrinterConfiguration* NewConfiguration(HANDLE hPrinter, LPCWSTR pszPrinterNam
 
 // The sheet's configuration and dialog-info record, kept in the user data: 1, or -1 without a
 // configuration and -2 without the record, as both sheet builders answer.
-LONG OpenDialogInfo(PPROPSHEETUI_INFO pPSUIInfo, HANDLE hPrinter, LPCWSTR pszPrinterName,
-                    BOOL bNoPermission, TVODialogInfo** ppLpdi)
+LONG OpenDialogInfo(PPROPSHEETUI_INFO pPSUIInfo, QLMPrinterSnapshot& snapshot,
+                    LPCWSTR pszPrinterName, BOOL bNoPermission, TVODialogInfo** ppLpdi)
 {
-    TVOPrinterConfiguration* pConfig = NewConfiguration(hPrinter, pszPrinterName, bNoPermission);
+    TVOPrinterConfiguration* pConfig = NewConfiguration(snapshot, pszPrinterName, bNoPermission);
     if (!pConfig) {
         ASSERT(pConfig != 0);
         return -1;
@@ -144,15 +148,15 @@ LONG OpenDialogInfo(PPROPSHEETUI_INFO pPSUIInfo, HANDLE hPrinter, LPCWSTR pszPri
     lpdi->hInstance = g_hInstance;
     lpdi->hResource = pConfig->m_hResources;
     lpdi->pConfig = pConfig;
-    lpdi->hPrinter = hPrinter;
+    lpdi->hPrinter = snapshot.Printer();
     *ppLpdi = lpdi;
     return 1;
 }
 
 // The three working records start as the queue's default record.
-BOOL StartRecords(TVODialogInfo* lpdi, HANDLE hPrinter)
+BOOL StartRecords(TVODialogInfo* lpdi, QLMPrinterSnapshot& snapshot)
 {
-    TVODevMode defaults(hPrinter);
+    TVODevMode defaults(snapshot.Printer(), &snapshot);
     if (!defaults.m_lpDM)
         return FALSE;
     memcpy(static_cast<void*>(&lpdi->dmMerge), defaults.m_lpDM, sizeof(DEVMODEEX));
@@ -201,7 +205,8 @@ BOOL AddPages(TVODialogInfo* lpdi, const PROPSHEETPAGEW* pages, int count, int s
 
 } // namespace
 
-LONG TVONTUIDriver::PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
+LONG TVONTUIDriver::PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam,
+                                     QLMPrinterSnapshot& callSnapshot)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::PropsheetUI_Init"), g_bTracePropsheets);
     ASSERT((pPSUIInfo != 0) && (lParam != 0));
@@ -210,16 +215,17 @@ LONG TVONTUIDriver::PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
     auto* pHeader = reinterpret_cast<PDOCUMENTPROPERTYHEADER>(lParam);
     HANDLE hPrinter = pHeader->hPrinter;
     const DWORD fMode = pHeader->fMode;
+    QLMSnapshotFor snapshot(&callSnapshot, hPrinter);
 
-    MarkRawOnly(hPrinter);
-    const BOOL bidi = QLMPortIsBiDi(hPrinter);
+    MarkRawOnly(*snapshot);
+    const BOOL bidi = QLMPortIsBiDi(*snapshot);
     SetCallersBiDi(pHeader->pdmIn, DeclaredSize(pHeader->pdmIn), bidi);
     const DWORD cbOutRoom =
         pHeader->pdmOut ? std::min(DeclaredSize(pHeader->pdmOut), pHeader->cbOut) : 0;
     SetCallersBiDi(pHeader->pdmOut, cbOutRoom, bidi);
 
     TVODialogInfo* lpdi = nullptr;
-    const LONG rc = OpenDialogInfo(pPSUIInfo, hPrinter, pHeader->pszPrinterName,
+    const LONG rc = OpenDialogInfo(pPSUIInfo, *snapshot, pHeader->pszPrinterName,
                                    (fMode & DM_NOPERMISSION) != 0, &lpdi);
     if (rc != 1)
         return rc;
@@ -229,15 +235,15 @@ LONG TVONTUIDriver::PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
     lpdi->lpDMTarget = reinterpret_cast<DEVMODEEX*>(pHeader->pdmOut);
     lpdi->cbTargetRoom = cbOutRoom;
 
-    StartRecords(lpdi, hPrinter);
-    TVODevMode merge(&lpdi->dmMerge);
+    StartRecords(lpdi, *snapshot);
+    TVODevMode merge(&lpdi->dmMerge, snapshot.get());
     if (!merge.getDeviceMode(hPrinter, TEXT(""), pHeader->pszPrinterName, TEXT("")))
         Trace(TEXT("getDeviceMode failed"));
     if ((fMode & DM_IN_BUFFER) && pHeader->pdmIn)
         merge.modifyDeviceMode(hPrinter, pHeader->pdmIn, pConfig->m_PrinterModel);
     if (lpdi->dmMerge.dmxBiDi == 0)
         lpdi->dmMerge.dmxAccountingMode = 1;
-    const BOOL bFirst = QLMIsFirstTimeEver(hPrinter);
+    const BOOL bFirst = QLMIsFirstTimeEver(*snapshot);
     if (bidi && (lpdi->dmMerge.dmxRefreshOnOpen || bFirst)) {
         int rc = QLMRefresh(pConfig, &lpdi->dmMerge, GetDesktopWindow());
         Trace(TEXT("QLMRefresh returns %d"), rc);
@@ -276,11 +282,12 @@ LONG TVONTUIDriver::PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
         lpdi->pTabs[count++] = pTab;
     }
     lpdi->nTabs = static_cast<WORD>(count);
-    AddPages(lpdi, pages, count, pConfig->GetLastActiveTab());
+    AddPages(lpdi, pages, count, pConfig->GetLastActiveTab(*snapshot));
     return 1;
 }
 
-LONG TVONTUIDriver::PropsheetUI_Set(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
+LONG TVONTUIDriver::PropsheetUI_Set(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam,
+                                    QLMPrinterSnapshot& callSnapshot)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::PropsheetUI_Set"), g_bTracePropsheets);
     auto* lpdi = reinterpret_cast<TVODialogInfo*>(pPSUIInfo->UserData);
@@ -293,10 +300,11 @@ LONG TVONTUIDriver::PropsheetUI_Set(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
         TVODevMode view(lpdi->lpDM);
         view.setAccountingInfo(lpdi->hPrinter, 1);
         if (lpdi->bExtDevMode && (lpdi->wMode & DM_USER_DEFAULT)) {
-            auto* pInfo = reinterpret_cast<PRINTER_INFO_2W*>(QLMGetPrinterInfo(lpdi->hPrinter, 2));
-            if (pInfo) {
-                TVODevMode::StoreQueueRecord(lpdi->hPrinter, pInfo, lpdi->lpDM);
-                GlobalFree(pInfo);
+            QLMSnapshotFor snapshot(&callSnapshot, lpdi->hPrinter);
+            if (const PRINTER_INFO_2W* pStored = snapshot->PrinterInfo()) {
+                PRINTER_INFO_2W info = *pStored;
+                if (TVODevMode::StoreQueueRecord(lpdi->hPrinter, &info, lpdi->lpDM))
+                    snapshot->PrinterStored(info);
             }
         }
         if (lpdi->lpDMTarget && lpdi->lpDMTarget != lpdi->lpDM) {
@@ -311,7 +319,8 @@ LONG TVONTUIDriver::PropsheetUI_Set(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
     return 1;
 }
 
-LONG TVONTUIDriver::PropsheetUI_Destroy(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
+LONG TVONTUIDriver::PropsheetUI_Destroy(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam,
+                                        QLMPrinterSnapshot& callSnapshot)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::PropsheetUI_Destroy"), g_bTracePropsheets);
     (void)lParam;
@@ -322,7 +331,8 @@ LONG TVONTUIDriver::PropsheetUI_Destroy(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lPar
     }
     pPSUIInfo->Result = 1;
     if (lpdi->pConfig) {
-        lpdi->pConfig->setUserForms(lpdi->hPrinter);
+        QLMSnapshotFor snapshot(&callSnapshot, lpdi->hPrinter);
+        lpdi->pConfig->setUserForms(*snapshot);
         delete lpdi->pConfig;
     }
     for (WORD i = 0; i < lpdi->nTabs && i < kMAX_TABS; ++i)
@@ -334,25 +344,26 @@ LONG TVONTUIDriver::PropsheetUI_Destroy(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lPar
     return 1;
 }
 
-LONG TVONTUIDriver::DeviceSheetUI_INIT(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam)
+LONG TVONTUIDriver::DeviceSheetUI_INIT(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam,
+                                       QLMPrinterSnapshot& callSnapshot)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DeviceSheetUI_INIT"), g_bTracePropsheets);
     ASSERT((pPSUIInfo != 0) && (lParam != 0));
     if (!pPSUIInfo || !lParam)
         return 0;
     auto* pHeader = reinterpret_cast<PDEVICEPROPERTYHEADER>(lParam);
-    HANDLE hPrinter = pHeader->hPrinter;
-    MarkRawOnly(hPrinter);
+    QLMSnapshotFor snapshot(&callSnapshot, pHeader->hPrinter);
+    MarkRawOnly(*snapshot);
     // The device header's flags are tested with the document header's mask, deliberately.
     TVODialogInfo* lpdi = nullptr;
-    const LONG rc = OpenDialogInfo(pPSUIInfo, hPrinter, pHeader->pszPrinterName,
+    const LONG rc = OpenDialogInfo(pPSUIInfo, *snapshot, pHeader->pszPrinterName,
                                    (pHeader->Flags & DM_NOPERMISSION) != 0, &lpdi);
     if (rc != 1)
         return rc;
     TVOPrinterConfiguration* pConfig = lpdi->pConfig;
     lpdi->wMode = DM_USER_DEFAULT;
     lpdi->bExtDevMode = 1;
-    StartRecords(lpdi, hPrinter);
+    StartRecords(lpdi, *snapshot);
     lpdi->lpDM = lpdi->lpDMTarget = &lpdi->dmScratch;
 
     TVOTab* pAbout = MakeAboutTab(lpdi, pConfig);

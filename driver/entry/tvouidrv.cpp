@@ -6,6 +6,7 @@
 #include "../config/tvodev.h"
 #include "../devmode/tvodm.h"
 #include "../devmode/tvodm_convert.h"
+#include "../foundation/qlmsnapshot.h"
 #include "../foundation/qlmtrace.h"
 #include "../foundation/qlmutils.h"
 
@@ -38,23 +39,34 @@ BOOL TVONTUIDriver::DevQueryPrintEx(PDEVQUERYPRINT_INFO pDQPInfo)
 
 void TVONTUIDriver::ReadDebugSwitches(HANDLE hPrinter, WORD reason)
 {
+    QLMPrinterSnapshot snapshot(hPrinter);
+    ReadDebugSwitches(snapshot, reason);
+}
+
+void TVONTUIDriver::ReadDebugSwitches(QLMPrinterSnapshot& snapshot, WORD reason)
+{
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::ReadDebugSwitches"), TraceEntryFlags());
     if (reason == PROPSHEETUI_REASON_DESTROY)
         return;
-    ReadAllDebugSwitches(hPrinter);
+    ReadAllDebugSwitches(snapshot);
 }
 
-// Each call builds and releases a whole configuration: nothing is cached between calls.
+// Each call builds and releases a whole configuration: nothing is cached between calls. Within
+// the call, the queue's information, its ports and its printer data are fetched once.
 DWORD TVONTUIDriver::DrvDeviceCapabilities(HANDLE hPrinter, PWSTR pDeviceName, WORD iDevCap,
                                            void* pvOutput, PDEVMODEW pDevMode)
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvDeviceCapabilities"), TraceEntryFlags());
+    QLMPrinterSnapshot snapshot(hPrinter);
+    // The queue's record serves the answer only: whether its port answers is not asked unless
+    // the record is to be saved or traced.
+    snapshot.RecordsStayInCall();
     TVODevice device;
-    device.setDeviceConfiguration(hPrinter);
+    device.setDeviceConfiguration(snapshot);
     switch (iDevCap) {
     case DC_FIELDS:
         // The record's own mask reaches the trace only.
-        device.deviceCapabilities(hPrinter, nullptr, iDevCap, pvOutput, pDevMode);
+        device.deviceCapabilities(snapshot, nullptr, iDevCap, pvOutput, pDevMode);
         return kDC_FIELDS_ANSWER;
     case DC_FILEDEPENDENCIES:
         return pvOutput ? GDI_ERROR : 0;
@@ -62,7 +74,7 @@ DWORD TVONTUIDriver::DrvDeviceCapabilities(HANDLE hPrinter, PWSTR pDeviceName, W
         return 1;
     default:
         return static_cast<DWORD>(
-            device.deviceCapabilities(hPrinter, nullptr, iDevCap, pvOutput, pDevMode));
+            device.deviceCapabilities(snapshot, nullptr, iDevCap, pvOutput, pDevMode));
     }
 }
 
@@ -95,12 +107,15 @@ BOOL TVONTUIDriver::DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEV
     // goes on with a null handle, which gives the defaults of no printer.
     HANDLE hPrinter = nullptr;
     OpenPrinterW(pPrinterName, &hPrinter, nullptr);
-    TVODevMode devMode(hPrinter);
-    if (!devMode.getDeviceMode(hPrinter, TEXT(""), pPrinterName, TEXT("")))
-        Trace(TEXT("getDeviceMode failed"));
-    devMode.getAccountingInfo(hPrinter);
-    if (pdmOut && devMode.m_lpDM)
-        memcpy(pdmOut, devMode.m_lpDM, kDEVMODEEX_SIZE);
+    {
+        QLMPrinterSnapshot snapshot(hPrinter);
+        TVODevMode devMode(hPrinter, &snapshot);
+        if (!devMode.getDeviceMode(hPrinter, TEXT(""), pPrinterName, TEXT("")))
+            Trace(TEXT("getDeviceMode failed"));
+        devMode.getAccountingInfo(hPrinter);
+        if (pdmOut && devMode.m_lpDM)
+            memcpy(pdmOut, devMode.m_lpDM, kDEVMODEEX_SIZE);
+    }
     if (hPrinter)
         ClosePrinter(hPrinter);
     return TRUE;
@@ -112,7 +127,10 @@ LONG TVONTUIDriver::DrvDocumentProperties(HWND hwnd, HANDLE hPrinter, PWSTR lpsz
 {
     QLM_TRACE_SCOPE(TEXT("TVONTUIDriver::DrvDocumentProperties"), TraceEntryFlags());
     Trace(TEXT("hPrinter=%p, fMode=0x%X"), hPrinter, fMode);
-    TVODevMode devMode(hPrinter);
+    QLMPrinterSnapshot snapshot(hPrinter);
+    if (!((fMode & DM_OUT_BUFFER) && pdmOutput))
+        snapshot.RecordsStayInCall();
+    TVODevMode devMode(hPrinter, &snapshot);
     if (!devMode.m_lpDM || !devMode.getDeviceMode(hPrinter, TEXT(""), TEXT(""), TEXT("")))
         return 0;
     const bool bInput = (fMode & DM_IN_BUFFER) && pdmInput;
@@ -153,7 +171,8 @@ LONG TVONTUIDriver::GetSizeOrDefault(LPARAM lParam)
         return 1;
 
     HANDLE hPrinter = pHeader->hPrinter;
-    TVODevMode* pDevMode = new (std::nothrow) TVODevMode(hPrinter);
+    QLMPrinterSnapshot snapshot(hPrinter);
+    TVODevMode* pDevMode = new (std::nothrow) TVODevMode(hPrinter, &snapshot);
     if (!pDevMode || !pDevMode->m_lpDM) {
         ASSERT(pDevMode != 0);
         delete pDevMode;
@@ -161,16 +180,22 @@ LONG TVONTUIDriver::GetSizeOrDefault(LPARAM lParam)
     }
     if (!pDevMode->getDeviceMode(hPrinter, TEXT(""), pHeader->pszPrinterName, TEXT("")))
         Trace(TEXT("getDeviceMode failed"));
-    LPCWSTR pszDriverName = QLMGetDriverName(hPrinter);
+    LPCWSTR pszDriverName = QLMGetDriverName(snapshot);
     if (!pszDriverName)
         pszDriverName = TEXT("Tarvo Plan Output System 2440");
-    TVOPrinterConfiguration* pConfig = new (std::nothrow) TVOPrinterConfiguration(pszDriverName);
-    if (!pConfig) {
-        ASSERT(pConfig != 0);
-        delete pDevMode;
-        return -1;
+    // The configuration gives the model for the merge of an input record; without one it
+    // changes nothing but its trace, and is built only when that could show.
+    const bool bInput = (pHeader->fMode & DM_IN_BUFFER) && pHeader->pdmIn;
+    TVOPrinterConfiguration* pConfig = nullptr;
+    if (bInput || TraceCouldShow(g_bTraceTVOConfig)) {
+        pConfig = new (std::nothrow) TVOPrinterConfiguration(pszDriverName);
+        if (!pConfig) {
+            ASSERT(pConfig != 0);
+            delete pDevMode;
+            return -1;
+        }
     }
-    if ((pHeader->fMode & DM_IN_BUFFER) && pHeader->pdmIn)
+    if (bInput)
         pDevMode->modifyDeviceMode(hPrinter, pHeader->pdmIn, pConfig->m_PrinterModel);
     pDevMode->getAccountingInfo(hPrinter);
     delete pConfig;
@@ -205,13 +230,14 @@ LONG TVONTUIDriver::DrvDevicePropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARAM 
         ASSERT(pPSUIInfo != 0);
         return -1;
     }
+    QLMPrinterSnapshot snapshot(DeviceHeaderPrinter(pPSUIInfo->lParamInit));
     if (pPSUIInfo->Reason != PROPSHEETUI_REASON_DESTROY && lParam != 0)
-        ReadDebugSwitches(DeviceHeaderPrinter(pPSUIInfo->lParamInit), pPSUIInfo->Reason);
+        ReadDebugSwitches(snapshot, pPSUIInfo->Reason);
     switch (pPSUIInfo->Reason) {
     case PROPSHEETUI_REASON_INIT:
-        return DeviceSheetUI_INIT(pPSUIInfo, lParam);
+        return DeviceSheetUI_INIT(pPSUIInfo, lParam, snapshot);
     case PROPSHEETUI_REASON_DESTROY:
-        return PropsheetUI_Destroy(pPSUIInfo, lParam);
+        return PropsheetUI_Destroy(pPSUIInfo, lParam, snapshot);
     default:
         return 0;
     }
@@ -226,16 +252,17 @@ LONG TVONTUIDriver::DrvDocumentPropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARA
     }
     if (!pPSUIInfo)
         return GetSizeOrDefault(lParam);
+    QLMPrinterSnapshot snapshot(DocumentHeaderPrinter(pPSUIInfo));
     if (pPSUIInfo->Reason != PROPSHEETUI_REASON_DESTROY)
-        ReadDebugSwitches(DocumentHeaderPrinter(pPSUIInfo), pPSUIInfo->Reason);
+        ReadDebugSwitches(snapshot, pPSUIInfo->Reason);
     switch (pPSUIInfo->Reason) {
     case PROPSHEETUI_REASON_INIT:
         pPSUIInfo->UserData = 0;
-        return PropsheetUI_Init(pPSUIInfo, lParam);
+        return PropsheetUI_Init(pPSUIInfo, lParam, snapshot);
     case PROPSHEETUI_REASON_DESTROY:
-        return PropsheetUI_Destroy(pPSUIInfo, lParam);
+        return PropsheetUI_Destroy(pPSUIInfo, lParam, snapshot);
     case PROPSHEETUI_REASON_SET_RESULT:
-        return PropsheetUI_Set(pPSUIInfo, lParam);
+        return PropsheetUI_Set(pPSUIInfo, lParam, snapshot);
     default:
         return 0;
     }

@@ -5,6 +5,8 @@
 #include "../../platform/win32.h"
 #include "../foundation/tvoobject.h"
 
+class QLMPrinterSnapshot;
+
 class TVONTUIDriver : public TVOObject
 {
 public:
@@ -24,16 +26,20 @@ public:
 
     // Reads the debug switches of the printer, except when the sheet is being destroyed.
     void ReadDebugSwitches(HANDLE hPrinter, WORD reason);
+    void ReadDebugSwitches(QLMPrinterSnapshot& snapshot, WORD reason);
 
     // DrvDocumentPropertySheets without a sheet: the record's size, or its default in the
     // header's output buffer.
     LONG GetSizeOrDefault(LPARAM lParam);
 
-    // The sheet's life; the sheets are built in their own units.
-    LONG PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
-    LONG PropsheetUI_Set(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
-    LONG PropsheetUI_Destroy(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
-    LONG DeviceSheetUI_INIT(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam);
+    // The sheet's life; the sheets are built in their own units. snapshot is the export call's,
+    // of the printer of the sheet's header.
+    LONG PropsheetUI_Init(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam, QLMPrinterSnapshot& snapshot);
+    LONG PropsheetUI_Set(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam, QLMPrinterSnapshot& snapshot);
+    LONG PropsheetUI_Destroy(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam,
+                             QLMPrinterSnapshot& snapshot);
+    LONG DeviceSheetUI_INIT(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam,
+                            QLMPrinterSnapshot& snapshot);
 };
 
 // TRUE when the system's major version is 6, or when it cannot be told: on that family the

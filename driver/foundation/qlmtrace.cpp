@@ -1,6 +1,8 @@
 // Tracing, assertions and debug switches.
 #include "qlmtrace.h"
 
+#include "qlmsnapshot.h"
+
 #include "wstr.h"
 
 #include <cstdlib>
@@ -298,6 +300,11 @@ void Assert(const WCHAR* pszFile, int line, const char* pszExpression)
     abort();
 }
 
+BOOL TraceCouldShow(BOOL flags)
+{
+    return flags || g_bTraceFunctionEntry || g_bTraceASSERT || g_bAssertMsgBox;
+}
+
 const WCHAR* TraceBOOL(BOOL b)
 {
     return b ? TEXT("TRUE") : TEXT("FALSE");
@@ -347,13 +354,12 @@ int GetTraceDepth()
     return s_nDepth;
 }
 
-BOOL ReadDebugSwitch(HANDLE hPrinter, const WCHAR* pszName, BOOL* pTarget)
+namespace {
+
+// A switch after its read: the value, or the failure line with the target as it stays. A read
+// succeeds only with four bytes: a shorter value would leave part of the word unwritten.
+BOOL TakeDebugSwitch(DWORD rc, DWORD cbNeeded, DWORD value, const WCHAR* pszName, BOOL* pTarget)
 {
-    DWORD value = 0;
-    DWORD cbNeeded = 0;
-    DWORD rc = GetPrinterDataExW(hPrinter, TEXT("DebugSettings"), pszName, nullptr,
-                                 reinterpret_cast<LPBYTE>(&value), sizeof(value), &cbNeeded);
-    // A shorter value would leave part of the word unwritten: it counts as a failed read.
     if (rc == ERROR_SUCCESS && cbNeeded == sizeof(value)) {
         *pTarget = static_cast<BOOL>(value);
         return TRUE;
@@ -363,12 +369,38 @@ BOOL ReadDebugSwitch(HANDLE hPrinter, const WCHAR* pszName, BOOL* pTarget)
     return FALSE;
 }
 
-void ReadAllDebugSwitches(HANDLE hPrinter)
+} // namespace
+
+BOOL ReadDebugSwitch(HANDLE hPrinter, const WCHAR* pszName, BOOL* pTarget)
 {
-    ReadDebugSwitch(hPrinter, TEXT("DBG_AssertMsgBox"), &g_bAssertMsgBox);
-    ReadDebugSwitch(hPrinter, TEXT("DBG_Toggle_EMF_Spooling"), &g_bToggleEMFSpooling);
+    DWORD value = 0;
+    DWORD cbNeeded = 0;
+    DWORD rc = GetPrinterDataExW(hPrinter, QLM_DEBUG_SETTINGS_KEY, pszName, nullptr,
+                                 reinterpret_cast<LPBYTE>(&value), sizeof(value), &cbNeeded);
+    return TakeDebugSwitch(rc, cbNeeded, value, pszName, pTarget);
+}
+
+BOOL ReadDebugSwitch(QLMPrinterSnapshot& snapshot, const WCHAR* pszName, BOOL* pTarget)
+{
+    DWORD value = 0;
+    DWORD cbNeeded = 0;
+    DWORD rc = snapshot.GetData(QLM_DEBUG_SETTINGS_KEY, pszName, nullptr,
+                                reinterpret_cast<LPBYTE>(&value), sizeof(value), &cbNeeded);
+    return TakeDebugSwitch(rc, cbNeeded, value, pszName, pTarget);
+}
+
+void ReadAllDebugSwitches(QLMPrinterSnapshot& snapshot)
+{
+    ReadDebugSwitch(snapshot, TEXT("DBG_AssertMsgBox"), &g_bAssertMsgBox);
+    ReadDebugSwitch(snapshot, TEXT("DBG_Toggle_EMF_Spooling"), &g_bToggleEMFSpooling);
     for (const TVOTraceFlag* row = g_TraceFlags; row->pFlag; row++) {
-        ReadDebugSwitch(hPrinter, row->pszName, row->pFlag);
+        ReadDebugSwitch(snapshot, row->pszName, row->pFlag);
         Trace(TEXT("%s = %d"), row->pszName, *row->pFlag);
     }
+}
+
+void ReadAllDebugSwitches(HANDLE hPrinter)
+{
+    QLMPrinterSnapshot snapshot(hPrinter);
+    ReadAllDebugSwitches(snapshot);
 }

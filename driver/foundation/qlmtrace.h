@@ -134,6 +134,10 @@ void Assert(const WCHAR* pszFile, int line, const char* pszExpression);
             Assert(QLM_WIDEN(__FILE__), __LINE__, #expr);                                          \
     } while (0)
 
+// Whether a step traced under flags could leave anything to see: a line of its own, an entry
+// line, or an assertion. A step whose only effects are its trace may be left out when not.
+BOOL TraceCouldShow(BOOL flags);
+
 // "TRUE" or "FALSE".
 const WCHAR* TraceBOOL(BOOL b);
 // Hex and character dump of memory, 16 bytes a line.
@@ -145,8 +149,14 @@ const WCHAR* GetTraceModuleName();
 // The current indentation depth, 0..kTRACE_MAX_DEPTH.
 int GetTraceDepth();
 
+class QLMPrinterSnapshot;
+
 // Reads one 32-bit switch from the printer data key "DebugSettings" into *pTarget. A failed
 // read, or a value that is not four bytes, leaves *pTarget alone and is traced.
 BOOL ReadDebugSwitch(HANDLE hPrinter, const WCHAR* pszName, BOOL* pTarget);
-// "DBG_AssertMsgBox", "DBG_Toggle_EMF_Spooling", then every row of the switch table.
+// The same from the key's values as the call's snapshot holds them.
+BOOL ReadDebugSwitch(QLMPrinterSnapshot& snapshot, const WCHAR* pszName, BOOL* pTarget);
+// "DBG_AssertMsgBox", "DBG_Toggle_EMF_Spooling", then every row of the switch table: one
+// enumeration of the key for all of them.
 void ReadAllDebugSwitches(HANDLE hPrinter);
+void ReadAllDebugSwitches(QLMPrinterSnapshot& snapshot);

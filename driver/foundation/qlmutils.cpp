@@ -1,6 +1,7 @@
 // Names of a queue and the per-user store.
 #include "qlmutils.h"
 
+#include "qlmsnapshot.h"
 #include "qlmtrace.h"
 #include "wstr.h"
 
@@ -55,37 +56,24 @@ LONG SetUserValue(HANDLE hPrinter, LPCWSTR pszTag, DWORD dwType, const BYTE* pDa
 
 LPBYTE QLMGetPrinterInfo(HANDLE hPrinter, DWORD level, const WCHAR* pszAllocationFailure)
 {
-    DWORD cbNeeded = 0;
-    if (GetPrinterW(hPrinter, level, nullptr, 0, &cbNeeded) ||
-        GetLastError() != ERROR_INSUFFICIENT_BUFFER || cbNeeded == 0)
-        return nullptr;
-    LPBYTE pInfo = static_cast<LPBYTE>(GlobalAlloc(GPTR, cbNeeded));
-    if (!pInfo) {
-        if (pszAllocationFailure)
-            Trace(TEXT("%s"), pszAllocationFailure);
-        return nullptr;
-    }
-    BOOL bResult = GetPrinterW(hPrinter, level, pInfo, cbNeeded, &cbNeeded);
-    ASSERT(bResult);
-    if (!bResult) {
-        GlobalFree(pInfo);
-        return nullptr;
-    }
+    QLMFetchResult result;
+    LPBYTE pInfo = QLMFetchPrinterInfo(hPrinter, level, &result);
+    QLMReportPrinterInfoFetch(result, pszAllocationFailure);
     return pInfo;
 }
 
 // Copies one name of the queue's PRINTER_INFO_2 into a module buffer.
-static LPWSTR GetPrinterInfoName(const WCHAR* pszFunction, HANDLE hPrinter, WCHAR* buffer,
-                                 bool bDriverName)
+static LPWSTR GetPrinterInfoName(const WCHAR* pszFunction, QLMPrinterSnapshot& snapshot,
+                                 WCHAR* buffer, bool bDriverName)
 {
     QLM_TRACE_SCOPE(pszFunction, TraceUtils());
+    HANDLE hPrinter = snapshot.Printer();
     if (!hPrinter) {
         ASSERT(hPrinter);
         Trace(TEXT("Can't look up printer name with invalid handle"));
         return nullptr;
     }
-    PRINTER_INFO_2W* pPrinterInfo =
-        reinterpret_cast<PRINTER_INFO_2W*>(QLMGetPrinterInfo(hPrinter, 2));
+    const PRINTER_INFO_2W* pPrinterInfo = snapshot.PrinterInfo();
     if (!pPrinterInfo) {
         ASSERT(pPrinterInfo);
         return nullptr;
@@ -94,14 +82,13 @@ static LPWSTR GetPrinterInfoName(const WCHAR* pszFunction, HANDLE hPrinter, WCHA
         buffer[i] = 0;
     WstrCopy(buffer, kQLM_NAME_CCH,
              bDriverName ? pPrinterInfo->pDriverName : pPrinterInfo->pPrinterName);
-    GlobalFree(pPrinterInfo);
     return buffer;
 }
 
-LPWSTR QLMGetPrinterName(HANDLE hPrinter)
+LPWSTR QLMGetPrinterName(QLMPrinterSnapshot& snapshot)
 {
     LPWSTR pszName =
-        GetPrinterInfoName(TEXT("QLMGetPrinterName"), hPrinter, s_szPrinterName, false);
+        GetPrinterInfoName(TEXT("QLMGetPrinterName"), snapshot, s_szPrinterName, false);
     if (!pszName)
         return nullptr;
     // A connection \\host\queue becomes host-queue: a key name has no backslash to spare.
@@ -119,9 +106,21 @@ LPWSTR QLMGetPrinterName(HANDLE hPrinter)
     return pszName;
 }
 
+LPWSTR QLMGetPrinterName(HANDLE hPrinter)
+{
+    QLMPrinterSnapshot snapshot(hPrinter);
+    return QLMGetPrinterName(snapshot);
+}
+
+LPWSTR QLMGetDriverName(QLMPrinterSnapshot& snapshot)
+{
+    return GetPrinterInfoName(TEXT("QLMGetDriverName"), snapshot, s_szDriverName, true);
+}
+
 LPWSTR QLMGetDriverName(HANDLE hPrinter)
 {
-    return GetPrinterInfoName(TEXT("QLMGetDriverName"), hPrinter, s_szDriverName, true);
+    QLMPrinterSnapshot snapshot(hPrinter);
+    return QLMGetDriverName(snapshot);
 }
 
 void QLMFormUserKey(LPWSTR pszKey, LPCWSTR pszPrinterName)
@@ -145,8 +144,14 @@ LONG QLMSetUserBINARY(HANDLE hPrinter, LPCWSTR pszTag, const BYTE* pData, DWORD 
 
 LONG QLMGetUserDWORD(HANDLE hPrinter, LPCWSTR pszTag, DWORD* pValue)
 {
+    QLMPrinterSnapshot snapshot(hPrinter);
+    return QLMGetUserDWORD(snapshot, pszTag, pValue);
+}
+
+LONG QLMGetUserDWORD(QLMPrinterSnapshot& snapshot, LPCWSTR pszTag, DWORD* pValue)
+{
     QLM_TRACE_SCOPE(TEXT("QLMGetUserDWORD"), TraceUtils());
-    LPWSTR pPrinterName = QLMGetPrinterName(hPrinter);
+    LPWSTR pPrinterName = QLMGetPrinterName(snapshot);
     if (!pPrinterName) {
         ASSERT(pPrinterName);
         return static_cast<LONG>(GetLastError());

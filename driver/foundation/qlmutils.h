@@ -7,6 +7,8 @@
 
 #include "../../platform/win32.h"
 
+class QLMPrinterSnapshot;
+
 // The instance handle that DllMain saved, for resources and dialogs.
 extern HINSTANCE g_hInstance;
 
@@ -25,6 +27,9 @@ LPBYTE QLMGetPrinterInfo(HANDLE hPrinter, DWORD level, const WCHAR* pszAllocatio
 LPWSTR QLMGetPrinterName(HANDLE hPrinter);
 // The queue's driver name, as the spooler has it. Null on failure.
 LPWSTR QLMGetDriverName(HANDLE hPrinter);
+// The same from the PRINTER_INFO_2 that the call's snapshot holds.
+LPWSTR QLMGetPrinterName(QLMPrinterSnapshot& snapshot);
+LPWSTR QLMGetDriverName(QLMPrinterSnapshot& snapshot);
 
 // Fills pszKey (kQLM_USER_KEY_CCH characters) with the per-user subkey of pszPrinterName.
 void QLMFormUserKey(LPWSTR pszKey, LPCWSTR pszPrinterName);
@@ -34,6 +39,7 @@ void QLMFormUserKey(LPWSTR pszKey, LPCWSTR pszPrinterName);
 LONG QLMSetUserDWORD(HANDLE hPrinter, LPCWSTR pszTag, const DWORD* pValue);
 LONG QLMSetUserBINARY(HANDLE hPrinter, LPCWSTR pszTag, const BYTE* pData, DWORD cbLen);
 LONG QLMGetUserDWORD(HANDLE hPrinter, LPCWSTR pszTag, DWORD* pValue);
+LONG QLMGetUserDWORD(QLMPrinterSnapshot& snapshot, LPCWSTR pszTag, DWORD* pValue);
 // Takes the printer's name, not a handle, and drops the first two characters of a name that
 // begins with a backslash without replacing another: pass the text QLMGetPrinterName gave to
 // reach the key the set operations use.

@@ -114,6 +114,10 @@ std::string InstalledDriverFilePath(const std::u16string& fileName, int version)
 // reset: what a call into the spooler service would cost on Windows.
 std::vector<std::pair<std::string, long long>> CallCounts(); // by name
 void ResetCallCounts();
+// From now on counts only the calls made from the code of the loaded module (executable or
+// shared library) that holds address, as Windows counts a module's imports; null counts every
+// caller again. False when no loaded module holds address.
+bool CountCallsFromModuleOf(const void* address);
 
 // ---- Debug output and message boxes -----------------------------------------------------
 // OutputDebugStringW goes to standard error when QLMHOST_TRACE is set, and to the sink when

@@ -34,14 +34,15 @@ public:
 class CountedCall
 {
 public:
-    explicit CountedCall(CallCounter& counter);
+    // caller: the return address of the counted name, for the module filter.
+    CountedCall(CallCounter& counter, const void* caller);
     ~CountedCall();
     CountedCall(const CountedCall&) = delete;
     CountedCall& operator=(const CountedCall&) = delete;
 };
 #define QLM_HOST_COUNTED_CALL()                                                                    \
     static ::host::detail::CallCounter counter_(__func__);                                         \
-    ::host::detail::CountedCall countedCall_(counter_)
+    ::host::detail::CountedCall countedCall_(counter_, __builtin_return_address(0))
 
 // ---- UTF-16 text ---------------------------------------------------------------------------
 inline size_t WLen(const WCHAR* s)

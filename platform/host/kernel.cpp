@@ -15,15 +15,20 @@ thread_local DWORD t_lastError = ERROR_SUCCESS;
 
 namespace host::detail {
 
+// Looked up once: the account database is a file, and Windows answers GetUserNameW from the
+// process's token without reading one.
 std::u16string LoginName()
 {
-    if (passwd* pw = getpwuid(geteuid()); pw && pw->pw_name && *pw->pw_name) {
-        return Utf8ToUtf16(pw->pw_name);
-    }
-    if (const char* user = std::getenv("USER"); user && *user) {
-        return Utf8ToUtf16(user);
-    }
-    return u"user";
+    static const std::u16string name = [] {
+        if (passwd* pw = getpwuid(geteuid()); pw && pw->pw_name && *pw->pw_name) {
+            return Utf8ToUtf16(pw->pw_name);
+        }
+        if (const char* user = std::getenv("USER"); user && *user) {
+            return Utf8ToUtf16(user);
+        }
+        return std::u16string(u"user");
+    }();
+    return name;
 }
 
 } // namespace host::detail

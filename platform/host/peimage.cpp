@@ -414,6 +414,18 @@ bool PeImage::ParseResources(std::string* error)
                          int byType = CompareResourceNames(a.type, b.type);
                          return byType != 0 ? byType < 0 : CompareResourceNames(a.name, b.name) < 0;
                      });
+    const ResourceName strings = ResourceName::Number(kResourceTypeString);
+    for (const ResourceEntry& entry : entries_) {
+        if (CompareResourceNames(entry.type, strings) != 0) {
+            continue;
+        }
+        hasStringTables_ = true;
+        const ResourceEntry* block = nullptr;
+        if (!entry.name.isString && !stringBlocks_.count(entry.name.id) &&
+            Find(strings, entry.name, kAnyLanguage, &block) == ResourceLookup::Found) {
+            stringBlocks_[entry.name.id] = block;
+        }
+    }
     return true;
 }
 
@@ -460,19 +472,17 @@ StringLookup PeImage::FindString(uint32_t id, const char16_t** text, uint16_t* l
     *text = nullptr;
     *length = 0;
     id &= 0xffff;
-    const ResourceEntry* block = nullptr;
-    switch (Find(ResourceName::Number(kResourceTypeString), ResourceName::Number((id >> 4) + 1),
-                 kAnyLanguage, &block)) {
-    case ResourceLookup::NoResourceSection:
+    if (!hasResources_) {
         return StringLookup::NoResourceSection;
-    case ResourceLookup::NoType:
-        return StringLookup::NoStringTables;
-    case ResourceLookup::NoName:
-    case ResourceLookup::NoLanguage:
-        return StringLookup::NoBlock;
-    case ResourceLookup::Found:
-        break;
     }
+    if (!hasStringTables_) {
+        return StringLookup::NoStringTables;
+    }
+    auto it = stringBlocks_.find((id >> 4) + 1);
+    if (it == stringBlocks_.end()) {
+        return StringLookup::NoBlock;
+    }
+    const ResourceEntry* block = it->second;
     // Sixteen counted strings: a WORD length, then that many UTF-16 units, no terminator.
     const Span data{block->data, block->size};
     uint64_t at = 0;

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace host::detail {
@@ -109,6 +110,10 @@ private:
     bool is64_ = false;
     bool hasResources_ = false;
     std::vector<ResourceEntry> entries_;
+    // The string table blocks in the language Find prefers, by block number: every LoadStringW
+    // goes through them, and a driver loads dozens of strings per call.
+    bool hasStringTables_ = false;
+    std::unordered_map<uint32_t, const ResourceEntry*> stringBlocks_;
     // Copies of resources whose bytes do not start 4-byte aligned in the file, so that every
     // data pointer can be read as WORDs and DWORDs.
     std::vector<std::vector<uint32_t>> alignedCopies_;

@@ -5,6 +5,9 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace host::detail {
 
 namespace {
@@ -472,6 +475,80 @@ DWORD WINAPI SetPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPCWSTR pValue
 {
     QLM_HOST_COUNTED_CALL();
     return SetData(hPrinter, pKeyName ? pKeyName : u"", pValueName, Type, pData, cbData);
+}
+
+// Returns the error code and leaves the last error alone. ERROR_SUCCESS with every value of
+// the key in pEnumValues: the PRINTER_ENUM_VALUESW records in the order the values were first
+// written, then each value's name and data packed behind them, the data right after its name
+// with no alignment (as Wine lays it out). *pcbEnumValues is the bytes used, *pnEnumValues the
+// number of values. Too small a buffer is ERROR_MORE_DATA with both set and nothing written. A
+// key that holds no value does not exist: ERROR_FILE_NOT_FOUND. A NULL or empty key is
+// ERROR_INVALID_PARAMETER.
+DWORD WINAPI EnumPrinterDataExW(HANDLE hPrinter, LPCWSTR pKeyName, LPBYTE pEnumValues,
+                                DWORD cbEnumValues, LPDWORD pcbEnumValues, LPDWORD pnEnumValues)
+{
+    QLM_HOST_COUNTED_CALL();
+    Lock lock(StateMutex());
+    const PrinterObject* handle = PrinterHandle(hPrinter);
+    if (!handle) {
+        return ERROR_INVALID_HANDLE;
+    }
+    if (!pKeyName || !*pKeyName) {
+        return ERROR_INVALID_PARAMETER;
+    }
+    if (!pcbEnumValues || !pnEnumValues) {
+        return RPC_X_NULL_REF_POINTER;
+    }
+    if (!pEnumValues && cbEnumValues) {
+        return ERROR_INVALID_USER_BUFFER;
+    }
+    const Model* model = nullptr;
+    const PrinterRow* printer = nullptr;
+    if (DWORD rc = QueueOf(handle, &model, &printer)) {
+        return rc;
+    }
+    std::u16string key = Fold(FromW(pKeyName));
+    std::vector<const PrinterDataRow*> values;
+    for (const auto& [at, row] : model->printerData) {
+        if (at.printer == printer->id && at.key == key) {
+            values.push_back(&row);
+        }
+    }
+    if (values.empty()) {
+        return ERROR_FILE_NOT_FOUND;
+    }
+    std::sort(values.begin(), values.end(),
+              [](const PrinterDataRow* a, const PrinterDataRow* b) { return a->id < b->id; });
+    size_t needed = values.size() * sizeof(PRINTER_ENUM_VALUESW);
+    for (const PrinterDataRow* row : values) {
+        needed += StringBytes(row->name) + row->data.size();
+    }
+    if (needed > kMaxAnswer) {
+        return ERROR_NOT_ENOUGH_MEMORY;
+    }
+    *pcbEnumValues = DWORD(needed);
+    *pnEnumValues = DWORD(values.size());
+    if (cbEnumValues < needed) {
+        return ERROR_MORE_DATA;
+    }
+    LPBYTE at = pEnumValues + values.size() * sizeof(PRINTER_ENUM_VALUESW);
+    for (size_t i = 0; i < values.size(); ++i) {
+        const PrinterDataRow& row = *values[i];
+        PRINTER_ENUM_VALUESW entry{};
+        entry.pValueName = reinterpret_cast<LPWSTR>(at);
+        entry.cbValueName = DWORD(StringBytes(row.name));
+        std::memcpy(at, row.name.c_str(), entry.cbValueName);
+        at += entry.cbValueName;
+        entry.dwType = row.type;
+        entry.pData = at;
+        entry.cbData = DWORD(row.data.size());
+        if (!row.data.empty()) {
+            std::memcpy(at, row.data.data(), row.data.size());
+        }
+        at += row.data.size();
+        std::memcpy(pEnumValues + i * sizeof(PRINTER_ENUM_VALUESW), &entry, sizeof entry);
+    }
+    return ERROR_SUCCESS;
 }
 
 // TRUE with the local ports (PORT_INFO_1W or _2W) in name order, *pcReturned their number.

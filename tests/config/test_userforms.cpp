@@ -91,11 +91,20 @@ TEST_F(ConfigUserForms, FormsGoToTheStoreAndComeBackByteForByte)
     ASSERT_EQ(other->m_UserFormCount, 2);
     EXPECT_EQ(memcmp(other->m_UserForms, config.m_UserForms, 2 * sizeof(USERFORM)), 0);
 
-    // Written twice, the same data.
+    // Written twice, the same data, and the second time nothing needs writing.
+    host::ResetCallCounts();
     config.setUserForms(printer.handle());
+    for (const auto& [name, count] : host::CallCounts())
+        EXPECT_NE(name, "SetPrinterDataW") << count << " values written again";
     auto again = ReadBack();
     EXPECT_EQ(again->m_UserFormCount, 2);
     EXPECT_EQ(memcmp(again->m_UserForms, config.m_UserForms, 2 * sizeof(USERFORM)), 0);
+
+    // Another sheet changed a form meanwhile: the last to save wins with its whole set.
+    StoreForm(1, Form(u"Changed elsewhere", 100, 200, 0));
+    config.setUserForms(printer.handle());
+    auto last = ReadBack();
+    EXPECT_EQ(memcmp(last->m_UserForms, config.m_UserForms, 2 * sizeof(USERFORM)), 0);
 }
 
 TEST_F(ConfigUserForms, DeletingFormsEmptiesTheOldValues)

@@ -359,20 +359,40 @@ TEST_F(DebugSwitchTest, LaterRowOfASharedFlagWins)
     EXPECT_EQ(g_bTraceTVODevMode, 0) << "the _UI row comes after the _RENDER row";
 }
 
+// One switch read alone, or all of them in one enumeration of the key: the same outcome.
 TEST_F(DebugSwitchTest, ValueOfTheWrongSizeLeavesTheFlagAlone)
 {
     SetSwitch(u"ParsePJL", {1, 0, 0, 0, 0, 0, 0, 0}, REG_BINARY);
     SetSwitch(u"QLMRefresh", {1, 0}, REG_BINARY);
-    g_bTraceParsePJL = FALSE;
-    g_bTraceQLMRefresh = FALSE;
-    g_bTrace = TRUE;
-    EXPECT_FALSE(ReadDebugSwitch(m_hPrinter, TEXT("ParsePJL"), &g_bTraceParsePJL));
-    EXPECT_FALSE(ReadDebugSwitch(m_hPrinter, TEXT("QLMRefresh"), &g_bTraceQLMRefresh));
-    EXPECT_EQ(g_bTraceParsePJL, FALSE);
-    EXPECT_EQ(g_bTraceQLMRefresh, FALSE);
-    EXPECT_TRUE(m_capture.contains("GetPrinterDataEx returns ea, GetLastError() is "))
-        << "too long a value is ERROR_MORE_DATA (0xea)";
-    EXPECT_TRUE(m_capture.contains(", ParsePJL is 0"));
+    const struct
+    {
+        const char* how;
+        void (*read)(HANDLE);
+    } kReads[] = {
+        {"one by one",
+         [](HANDLE h) {
+             EXPECT_FALSE(ReadDebugSwitch(h, TEXT("ParsePJL"), &g_bTraceParsePJL));
+             EXPECT_FALSE(ReadDebugSwitch(h, TEXT("QLMRefresh"), &g_bTraceQLMRefresh));
+         }},
+        {"the whole table", [](HANDLE h) { ReadAllDebugSwitches(h); }},
+    };
+    for (const auto& read : kReads) {
+        SCOPED_TRACE(read.how);
+        g_bTraceParsePJL = FALSE;
+        g_bTraceQLMRefresh = FALSE;
+        g_bTrace = TRUE;
+        m_capture.clear();
+        SetLastError(0x57);
+        read.read(m_hPrinter);
+        EXPECT_EQ(g_bTraceParsePJL, FALSE);
+        EXPECT_EQ(g_bTraceQLMRefresh, FALSE);
+        EXPECT_TRUE(
+            m_capture.contains("GetPrinterDataEx returns ea, GetLastError() is 57, ParsePJL is 0"))
+            << "too long a value is ERROR_MORE_DATA (0xea)";
+        EXPECT_TRUE(
+            m_capture.contains("GetPrinterDataEx returns 0, GetLastError() is 57, QLMRefresh is 0"))
+            << "too short a value is read and refused";
+    }
 }
 
 TEST_F(DebugSwitchTest, EachRowIsTracedWithItsValue)

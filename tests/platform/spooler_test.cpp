@@ -2,6 +2,7 @@
 // driver directory.
 #include "hosttest.h"
 
+#include <map>
 #include <memory>
 
 using namespace hosttest;
@@ -467,6 +468,57 @@ TEST_F(Spooler, PrinterDataNamesFoldOnlyAsciiLetters)
     }
     EXPECT_EQ(std::size(rows), listed.size());
     EXPECT_TRUE(std::is_sorted(listed.begin(), listed.end()));
+}
+
+// All values of a key in one answer: records first, each name with its data behind them, a
+// name right after data of any length; the key named without case. Codes come back as the
+// result, the last error stays.
+TEST_F(Spooler, EnumPrinterDataExGivesAKeysValuesInOneBuffer)
+{
+    const uint8_t odd[3] = {7, 8, 9};
+    const DWORD word = 42;
+    SetPrinterDataW(printer_, const_cast<WCHAR*>(u"Odd"), REG_BINARY, const_cast<LPBYTE>(odd), 3);
+    SetPrinterDataW(printer_, const_cast<WCHAR*>(u"Word"), REG_DWORD,
+                    reinterpret_cast<LPBYTE>(const_cast<DWORD*>(&word)), 4);
+    SetPrinterDataW(printer_, const_cast<WCHAR*>(u"Empty"), REG_SZ, nullptr, 0);
+    const DWORD expected = 3 * sizeof(PRINTER_ENUM_VALUESW) + 8 + 3 + 10 + 4 + 12;
+
+    SetLastError(kSentinel);
+    DWORD needed = 0, count = 0;
+    uint8_t none[1] = {kFill};
+    EXPECT_EQ(DWORD(ERROR_MORE_DATA),
+              EnumPrinterDataExW(printer_, u"printerdriverdata", nullptr, 0, &needed, &count));
+    EXPECT_EQ(expected, needed);
+    std::vector<uint8_t> buffer(needed + 8, kFill);
+    EXPECT_EQ(DWORD(ERROR_MORE_DATA),
+              EnumPrinterDataExW(printer_, u"PrinterDriverData", buffer.data(), needed - 1, &needed,
+                                 &count));
+    EXPECT_TRUE(AllFill(buffer.data(), buffer.size())) << "too small a buffer is not written";
+    ASSERT_EQ(DWORD(ERROR_SUCCESS), EnumPrinterDataExW(printer_, u"PrinterDriverData",
+                                                       buffer.data(), needed, &needed, &count));
+    EXPECT_EQ(expected, needed);
+    ASSERT_EQ(3u, count);
+    EXPECT_TRUE(AllFill(buffer.data() + expected, 8));
+    std::map<std::u16string, std::pair<DWORD, std::vector<uint8_t>>> values;
+    const auto* records = reinterpret_cast<const PRINTER_ENUM_VALUESW*>(buffer.data());
+    for (DWORD i = 0; i < count; i++) {
+        std::u16string name(records[i].cbValueName / 2 - 1, u'\0');
+        std::memcpy(name.data(), records[i].pValueName, name.size() * 2);
+        values[name] = {records[i].dwType, Bytes(records[i].pData, records[i].cbData)};
+    }
+    EXPECT_EQ((std::pair<DWORD, std::vector<uint8_t>>{REG_BINARY, Bytes(odd, 3)}), values[u"Odd"]);
+    EXPECT_EQ((std::pair<DWORD, std::vector<uint8_t>>{REG_DWORD, Bytes(&word, 4)}),
+              values[u"Word"]);
+    EXPECT_EQ((std::pair<DWORD, std::vector<uint8_t>>{REG_SZ, Bytes(nullptr, 0)}),
+              values[u"Empty"]);
+
+    EXPECT_EQ(DWORD(ERROR_FILE_NOT_FOUND),
+              EnumPrinterDataExW(printer_, u"DebugSettings", none, 1, &needed, &count));
+    EXPECT_EQ(DWORD(ERROR_INVALID_PARAMETER),
+              EnumPrinterDataExW(printer_, u"", none, 1, &needed, &count));
+    EXPECT_EQ(DWORD(ERROR_INVALID_HANDLE),
+              EnumPrinterDataExW(nullptr, u"PrinterDriverData", none, 1, &needed, &count));
+    EXPECT_EQ(kSentinel, GetLastError());
 }
 
 TEST_F(Spooler, EnumPortsLevel2)

@@ -3,9 +3,12 @@
 
 #include "platform/host/host.h"
 
-bool StartCallCounts(const DriverLibrary&, std::string*)
+bool StartCallCounts(const DriverLibrary& driver, std::string* error)
 {
-    host::ResetCallCounts();
+    if (!host::CountCallsFromModuleOf(driver.Export("DllMain"))) {
+        *error = "cannot tell the driver library's calls from the others";
+        return false;
+    }
     return true;
 }
 

@@ -3,6 +3,29 @@
 #include "cli.h"
 
 #include <algorithm>
+#include <cstdio>
+
+namespace {
+
+bool s_bCounting = false;
+bool s_bDriverCounted = false;
+
+// Counts the calls of a library just loaded when --counts asked for it.
+void CountLoaded(const DriverLibrary& driver)
+{
+    std::string error;
+    if (!s_bCounting)
+        return;
+    if (StartCallCounts(driver, &error)) {
+        // What the tool itself called before the first library is not the driver's.
+        if (!s_bDriverCounted)
+            TakeCallCounts();
+        s_bDriverCounted = true;
+    } else
+        fprintf(stderr, "%s: %s\n", g_pszToolName, error.c_str());
+}
+
+} // namespace
 
 #ifdef _WIN32
 
@@ -21,6 +44,7 @@ bool DriverLibrary::Load(const std::string& path, std::string* error)
         *error = "cannot load the driver library " + path + ": " + Win32Error(GetLastError());
         return false;
     }
+    CountLoaded(*this);
     return true;
 }
 
@@ -59,6 +83,7 @@ bool DriverLibrary::Load(const std::string& path, std::string* error)
         *error = "DllMain of " + path + " refused to load";
         return false;
     }
+    CountLoaded(*this);
     return true;
 }
 
@@ -90,4 +115,33 @@ std::string OverrunMessage(const GuardedBuffer& buffer, const std::string& what)
     return "the driver wrote " + std::to_string(overrun) + " byte" + (overrun == 1 ? "" : "s") +
            " past the end of the " + std::to_string(buffer.size()) +
            "-byte buffer it was given for " + what;
+}
+
+CallCountSummary SummarizeCallCounts(const CallCountList& counts)
+{
+    CallCountSummary summary;
+    for (const auto& [name, count] : counts) {
+        const bool registry = name.rfind("Reg", 0) == 0;
+        std::string& text = registry ? summary.registryText : summary.spoolerText;
+        (registry ? summary.registry : summary.spooler) += count;
+        text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + name;
+    }
+    return summary;
+}
+
+void CountDriverCalls()
+{
+    s_bCounting = true;
+    TakeCallCounts();
+}
+
+void PrintCallCounts()
+{
+    CallCountSummary summary = SummarizeCallCounts(TakeCallCounts());
+    fflush(stdout);
+    fprintf(stderr, "%s: %s: %lld spooler (%s), %lld registry (%s)\n", g_pszToolName,
+            s_bDriverCounted ? "calls of the driver library"
+                             : "calls of the command (no driver library was loaded)",
+            summary.spooler, summary.spoolerText.empty() ? "none" : summary.spoolerText.c_str(),
+            summary.registry, summary.registryText.empty() ? "none" : summary.registryText.c_str());
 }

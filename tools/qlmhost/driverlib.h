@@ -53,6 +53,24 @@ std::string OverrunMessage(const GuardedBuffer& buffer, const std::string& what)
 
 // Counting the driver's spooler and registry calls: from StartCallCounts on, TakeCallCounts
 // gives the calls by name since the last take and starts again. Each platform counts its own
-// way: the host in its names, Windows in the driver module's imports.
+// way: the host in its names, for the calls made from the driver library's code; Windows in
+// the driver module's imports. A library loaded again is counted again.
 bool StartCallCounts(const DriverLibrary& driver, std::string* error);
 std::vector<std::pair<std::string, long long>> TakeCallCounts();
+
+using CallCountList = std::vector<std::pair<std::string, long long>>;
+// The spooler's names (winspool) and the registry's (Reg*) apart: their totals, and the
+// counts as "N Name" joined by ", ".
+struct CallCountSummary
+{
+    long long spooler = 0;
+    long long registry = 0;
+    std::string spoolerText;
+    std::string registryText;
+};
+CallCountSummary SummarizeCallCounts(const CallCountList& counts);
+
+// The global --counts option: from here on every driver library loaded is counted, and
+// PrintCallCounts writes what was counted to standard error.
+void CountDriverCalls();
+void PrintCallCounts();

@@ -2,6 +2,7 @@
 // it manages printers, ports, printer data and the registry, and calls the driver's exports as
 // they would, printing what comes back field by field.
 #include "commands.h"
+#include "driverlib.h"
 
 #include "platform/host/host.h"
 #include "resources/qlmres.h"
@@ -20,10 +21,12 @@ void PrintHelp()
 {
     PrintUsage(
         "usage: qlmhost [--home DIR] [--user NAME] [--metric|--us] [--os-major N]\n"
-        "               [--driver-lib PATH] [--address TEXT] COMMAND ... [--json]\n\n"
+        "               [--driver-lib PATH] [--address TEXT] [--counts] COMMAND ... [--json]\n\n"
         "State lives in DIR (default $QLMHOST_HOME, else ~/.qlmhost). --address answers the\n"
         "printer address dialog of a refresh that reaches no printer, as if typed and "
-        "OK'd.\n");
+        "OK'd.\n"
+        "--counts writes to standard error, after the command, how many spooler and registry\n"
+        "calls the driver library made during it, by name.\n");
 }
 
 } // namespace
@@ -40,6 +43,7 @@ int main(int argc, char** argv)
     size_t i = 0;
     std::string home, user, osMajor;
     int metric = -1;
+    bool counts = false;
     for (; i < words.size() && words[i].rfind("--", 0) == 0 && !IsHelp(words[i]); i++) {
         const std::string& w = words[i];
         bool hasValue = i + 1 < words.size();
@@ -57,8 +61,10 @@ int main(int argc, char** argv)
             metric = 1;
         else if (w == "--us")
             metric = 0;
+        else if (w == "--counts")
+            counts = true;
         else
-            return GlobalUsageError(hasValue || w == "--metric" || w == "--us"
+            return GlobalUsageError(hasValue || w == "--metric" || w == "--us" || w == "--counts"
                                         ? "unknown global option " + w
                                         : "unknown global option " + w + ", or it lacks its value");
     }
@@ -105,7 +111,11 @@ int main(int argc, char** argv)
             return GlobalUsageError("--address: " + error);
     }
     options.json = args.Flag("--json");
+    if (counts)
+        CountDriverCalls();
     int rc = command->run(args, options);
+    if (counts)
+        PrintCallCounts();
     host::CloseStore();
     return rc;
 }

@@ -15,11 +15,16 @@ namespace {
 struct Counter
 {
     std::string name;
+    void* target = nullptr; // the system's entry the stub jumps on to
+    BYTE* stub = nullptr;
     volatile LONG64 count = 0;
 };
 
 std::vector<Counter*> g_counters;
-bool g_installed = false;
+BYTE* g_stubs = nullptr;
+size_t g_used = 0;
+constexpr size_t kStubBytes = 32;
+constexpr size_t kStubRegion = 64 * 1024;
 
 // mov rax, &counter; lock inc qword [rax]; mov rax, target; jmp rax. rax carries no argument in
 // the x64 convention, so the call reaches its target as it was made.
@@ -39,24 +44,41 @@ bool Counted(const char* dll, const char* name)
            (_stricmp(dll, "advapi32.dll") == 0 && strncmp(name, "Reg", 3) == 0);
 }
 
+// The stub of a name and target: the one made for an earlier load of the library when the
+// target is the same (the system's libraries stay where they are), else a new one.
+BYTE* StubFor(const char* name, void* target)
+{
+    for (Counter* counter : g_counters) {
+        if (counter->name == name && counter->target == target)
+            return counter->stub;
+    }
+    if (g_used + kStubBytes > kStubRegion)
+        return nullptr;
+    auto* counter = new Counter;
+    counter->name = name;
+    counter->target = target;
+    counter->stub = MakeStub(g_stubs + g_used, &counter->count, target);
+    g_used += kStubBytes;
+    g_counters.push_back(counter);
+    return counter->stub;
+}
+
 } // namespace
 
 bool StartCallCounts(const DriverLibrary& driver, std::string* error)
 {
-    if (g_installed)
-        return true;
     auto* base = static_cast<BYTE*>(driver.Handle());
     auto* nt = reinterpret_cast<IMAGE_NT_HEADERS*>(
         base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
     const IMAGE_DATA_DIRECTORY& dir =
         nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    auto* stubs = static_cast<BYTE*>(
-        VirtualAlloc(nullptr, 64 * 1024, MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE));
-    if (!stubs || !dir.VirtualAddress) {
+    if (!g_stubs)
+        g_stubs = static_cast<BYTE*>(
+            VirtualAlloc(nullptr, kStubRegion, MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE));
+    if (!g_stubs || !dir.VirtualAddress) {
         *error = "cannot count the driver's calls";
         return false;
     }
-    size_t used = 0;
     for (auto* imp = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + dir.VirtualAddress);
          imp->Name; ++imp) {
         const char* dll = reinterpret_cast<const char*>(base + imp->Name);
@@ -67,22 +89,20 @@ bool StartCallCounts(const DriverLibrary& driver, std::string* error)
                 continue;
             const char* name = reinterpret_cast<const char*>(
                 reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData)->Name);
-            if (!Counted(dll, name) || used + 32 > 64 * 1024)
+            auto* target = reinterpret_cast<BYTE*>(slots->u1.Function);
+            // A slot that leads to a stub already is counted.
+            if (!Counted(dll, name) || (target >= g_stubs && target < g_stubs + kStubRegion))
                 continue;
-            auto* counter = new Counter;
-            counter->name = name;
-            g_counters.push_back(counter);
-            BYTE* stub = MakeStub(stubs + used, &counter->count,
-                                  reinterpret_cast<void*>(slots->u1.Function));
-            used += 32;
+            BYTE* stub = StubFor(name, target);
+            if (!stub)
+                continue;
             DWORD old;
             VirtualProtect(&slots->u1.Function, sizeof(slots->u1.Function), PAGE_READWRITE, &old);
             slots->u1.Function = reinterpret_cast<ULONG_PTR>(stub);
             VirtualProtect(&slots->u1.Function, sizeof(slots->u1.Function), old, &old);
         }
     }
-    FlushInstructionCache(GetCurrentProcess(), stubs, used);
-    g_installed = true;
+    FlushInstructionCache(GetCurrentProcess(), g_stubs, g_used);
     return true;
 }
 

@@ -2,6 +2,7 @@
 // spooler, the common printer UI, an application and a person, with the commands and the
 // printed answers of qlmhost, so that the two platforms' answers compare line by line.
 #include "commands.h"
+#include "driverlib.h"
 #include "install.h"
 
 #include <cstdio>
@@ -37,8 +38,10 @@ namespace {
 
 void PrintHelp()
 {
-    PrintUsage("usage: qlmwin [--driver-lib PATH] COMMAND ... [--json]\n\n"
-               "The driver library is the installed QLMUIDrv.dll unless --driver-lib names one.\n");
+    PrintUsage("usage: qlmwin [--driver-lib PATH] [--counts] COMMAND ... [--json]\n\n"
+               "The driver library is the installed QLMUIDrv.dll unless --driver-lib names one.\n"
+               "--counts writes to standard error, after the command, how many spooler and\n"
+               "registry calls the driver library made during it, by name.\n");
 }
 
 // The configuration file the spooler loads: ...\spool\drivers\x64\3\QLMUIDrv.dll.
@@ -74,10 +77,13 @@ int wmain(int argc, wchar_t** argv)
     for (int i = 1; i < argc; ++i)
         words.push_back(Narrow(argv[i]));
     Options options;
+    bool counts = false;
     size_t i = 0;
     for (; i < words.size() && words[i].rfind("--", 0) == 0 && !IsHelp(words[i]); i++) {
         if (words[i] == "--driver-lib" && i + 1 < words.size())
             options.driverLibrary = words[++i];
+        else if (words[i] == "--counts")
+            counts = true;
         else
             return GlobalUsageError("unknown global option " + words[i]);
     }
@@ -98,5 +104,10 @@ int wmain(int argc, wchar_t** argv)
         return 0;
     }
     options.json = args.Flag("--json");
-    return command->run(args, options);
+    if (counts)
+        CountDriverCalls();
+    int rc = command->run(args, options);
+    if (counts)
+        PrintCallCounts();
+    return rc;
 }
