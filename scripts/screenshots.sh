@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Pictures of every tab and dialog that exists, taken under Wine and Xvfb, one PNG each in
+# Pictures of every tab and dialog, taken under Wine and Xvfb, one PNG each in
 # docs/screenshots/. The driver is installed from its package into a prefix of its own; a
 # queue on a network port where no printer answers brings up the address dialog.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/deps.sh wine64 wine xvfb imagemagick
+bash scripts/deps.sh wine64 wine fonts-wine xvfb imagemagick
 bash scripts/package-win64.sh >/dev/null
 
 work=$PWD/build/screenshots
@@ -19,44 +19,67 @@ printf 'Plan 2440\tTarvo Plan Output System 2440\nPlan 2440 IP\tTarvo Plan Outpu
 _qlmwin port add IP_127.0.0.250 >/dev/null
 _qlmwin install --inf build/win64/package/QLMUIDrv.inf --queues "$work/queues.list" >/dev/null
 
-# shot "NAME..." PRINTER SHEET-ARGS... < SCRIPT: the windows the script meets, and the sheet
-# once for each page shown, in that order, one NAME.png each; a NAME of - is passed over.
+# shot FILE=NAME... < CASE: runs the script case (its "#: set" lines give the record) under Wine
+# and keeps the pictures named: FILE is page-TEMPLATE for the sheet showing that page, window-N
+# for the Nth other window the script met (dialogs, message boxes), in the order met.
 shot() {
-  local names=$1 printer=$2 n=0 name
-  shift 2
+  local pair file name
+  cat >"$work/case.sheet"
   rm -f "$work/shots/"*.bmp
-  QLMWIN_SNAPSHOTS="$(winepath -w "$work/shots")" _qlmwin sheet "$printer" "$@" --script - >/dev/null || true
-  for name in $names; do
-    n=$((n + 1))
-    [ "$name" = - ] && continue
-    local bmp
-    bmp=$(printf '%s/shots/%02d.bmp' "$work" "$n")
-    [ -e "$bmp" ] || { echo "no picture of $name" >&2; exit 1; }
-    convert "$bmp" "docs/screenshots/$name.png"
+  QLMWIN_SNAPSHOTS="$(winepath -w "$work/shots")" \
+    _qlmwin sheet --case "$(winepath -w "$work/case.sheet")" >/dev/null || true
+  for pair in "$@"; do
+    file=${pair%%=*} name=${pair#*=}
+    [ -e "$work/shots/$file.bmp" ] || { echo "no picture of $name ($file)" >&2; exit 1; }
+    convert "$work/shots/$file.bmp" "docs/screenshots/$name.png"
   done
 }
-# shot_case NAME < CASE: a script case (its "#: set" lines give the record), pictured at the
-# last window its script meets; the start page is whichever tab was open last.
-shot_case() {
-  local name=$1 last
-  cat >"$work/$name.sheet"
-  rm -f "$work/shots/"*.bmp
-  QLMWIN_SNAPSHOTS="$(winepath -w "$work/shots")" _qlmwin sheet --case "$(winepath -w "$work/$name.sheet")" >/dev/null || true
-  last=$(ls "$work/shots/"*.bmp 2>/dev/null | tail -n 1)
-  [ -n "$last" ] || { echo "no picture of $name" >&2; exit 1; }
-  convert "$last" "docs/screenshots/$name.png"
-}
 mkdir -p docs/screenshots
-# The sheet opens on its first page, the paper tab.
-shot "document-sheet graphics-tab rendering-tab" "Plan 2440" <<<$'tab 103\ntab 104\nok'
-shot device-sheet "Plan 2440" --device <<<'ok'
-shot address-dialog "Plan 2440 IP" <<<$'cancel\ncancel'
+
+# The document sheet, every tab; the paper tab is the picture of the sheet itself.
+shot page-101=document-sheet page-102=job-tab page-103=graphics-tab page-104=rendering-tab \
+  page-105=device-tab page-106=about-tab <<'EOF'
+tab 101
+tab 102
+tab 103
+tab 104
+tab 105
+tab 106
+ok
+EOF
+shot page-106=device-sheet <<'EOF'
+#: sheet device
+ok
+EOF
+# A network queue whose printer does not answer asks for its address before the sheet opens.
+shot window-1=address-dialog <<'EOF'
+#: printer Plan 2440 IP
+cancel
+cancel
+EOF
+
 # The paper tab's dialogs.
-shot "- customise-dialog" "Plan 2440" <<<$'tab 101\nselect 1009 0xFFFFFFFF\ncancel\ncancel'
-shot "- - user-media-dialog" "Plan 2440" <<<$'tab 101\nselect 1009 0xFFFFFFFF\nclick 1234\nclick 1233\ncancel\ncancel'
-shot "- margins-dialog" "Plan 2440" <<<$'tab 101\nclick 1083\ncancel\ncancel'
-shot_case job-tab <<<$'tab 102\nok'
-shot_case finishing-dialog <<'EOF'
+shot window-1=customise-dialog window-2=user-media-dialog window-3=margins-dialog \
+  window-4=about-dialog <<'EOF'
+tab 101
+select 1009 0xFFFFFFFF
+click 1234
+type 1229 Site plan A1
+type 1063 23.39
+type 1052 33.11
+click 1232
+click 1233
+cancel
+click 1083
+cancel
+click 1001
+ok
+cancel
+EOF
+
+# The job tab's dialogs, each with a record that gives it something to show.
+shot window-1=finishing-dialog window-2=label-dialog window-3=stamp-dialog \
+  window-4=nesting-dialog <<'EOF'
 #: set dmxFinisherType 5
 #: set dmxFinisher.Model Folder 4000
 #: set dmxFinisher.Version 1.2
@@ -76,33 +99,44 @@ shot_case finishing-dialog <<'EOF'
 #: set dmxFinisher.programs[1].tab 3
 #: set dmxFinishing 9
 #: set dmxFinishProgram 1
-tab 102
-click 1122
-cancel
-cancel
-EOF
-shot_case label-dialog <<'EOF'
 #: set dmxLabel 2
-#: set dmxLabelText Plot:<DOCUMENT> <DATE>
-tab 102
-click 1123
-cancel
-cancel
-EOF
-shot_case stamp-dialog <<'EOF'
+#: set dmxLabelText Plot: <DOCUMENT> <DATE>
 #: set dmxStamp 2
 #: set dmxRasterStampList DRAFT|COPY|FINAL
 #: set dmxDefaultStamp COPY
-tab 102
-click 1125
-cancel
-cancel
-EOF
-shot_case nesting-dialog <<'EOF'
 #: set dmxPlotNest 2
 #: set dmxPlotNestMargin 13
 tab 102
+click 1122
+cancel
+click 1123
+cancel
+click 1125
+cancel
 click 1124
+cancel
+cancel
+EOF
+
+# The device tab's dialogs: the rolls, and accounting by numbers (firmware below 6) and by
+# texts.
+shot window-1=rolls-dialog window-2=account-dialog <<'EOF'
+#: set dmxFirmwareRevision 5
+#: set dmxAccountingEnable 1
+tab 105
+click 1100
+cancel
+click 1120
+cancel
+cancel
+EOF
+shot window-1=jba-dialog <<'EOF'
+#: set dmxAccountingEnable 1
+#: set dmxRememberAccount 1
+#: set dmxJBAUser jdoe
+#: set dmxJBAAcct Project 7
+tab 105
+click 1120
 cancel
 cancel
 EOF

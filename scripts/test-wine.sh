@@ -9,7 +9,7 @@
 # Ends with the plain count line "N passed, N failed". Set QLM_WINE_KEEP=1 to keep build/wine.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/deps.sh wine64 wine xvfb
+bash scripts/deps.sh wine64 wine fonts-wine xvfb
 jobs=$(nproc)
 
 cmake --preset host >/dev/null

@@ -24,6 +24,9 @@ Xvfb ":$qlm_display" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
 qlm_xvfb_pid=$!
 export DISPLAY=":$qlm_display"
 timeout 180 wineboot -i >/dev/null 2>&1
+# Windows keeps its fonts, Marlett's glyphs among them, in the Fonts folder; Debian's Wine
+# leaves that folder empty and falls back to other faces, so its own fonts go there.
+cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/" 2>/dev/null || true
 timeout 20 wineserver -p 2>/dev/null || true
 
 qlmwin() { timeout "${QLM_WINE_TIMEOUT:-180}" wine build/win64/tools/qlmwin/qlmwin.exe "$@"; }

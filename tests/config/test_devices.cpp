@@ -150,7 +150,7 @@ TEST(ConfigRolls, EachCodeIsNamedAsInTheRollListButCode21)
     }
     EXPECT_EQ(Utf8(config.getRollSize(29)), unknown);
     EXPECT_EQ(Utf8(config.getRollSize(0xFFFFFFFF)), unknown);
-    EXPECT_EQ(Utf8(config.getRollSize(8)), "Roll 36 in");
+    EXPECT_EQ(Utf8(config.getRollSize(8)), "36 in");
 }
 
 // ---- The last tab --------------------------------------------------------------------------

@@ -36,12 +36,15 @@ constexpr int kFileNameEdit = 0x480;
 class ScriptedSheet;
 ScriptedSheet* g_pSheet = nullptr; // one sheet at a time, as on the host
 
-// A picture of the window as it stands on the screen, as a 24-bit BMP file.
+// A picture of the window's client area as it stands on the screen, as a 24-bit BMP file. The
+// frame is left out: without a window manager nothing draws it, and its place shows whatever
+// lies behind.
 void SaveSnapshot(HWND window, const std::wstring& path)
 {
     RECT r;
-    if (!GetWindowRect(window, &r))
+    if (!GetClientRect(window, &r))
         return;
+    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&r), 2);
     int cx = r.right - r.left, cy = r.bottom - r.top;
     if (cx <= 0 || cy <= 0)
         return;
@@ -76,8 +79,9 @@ void SaveSnapshot(HWND window, const std::wstring& path)
     ReleaseDC(nullptr, screen);
 }
 
-// With QLMWIN_SNAPSHOTS naming a folder, each window the script meets is pictured there once,
-// the sheet once for each page shown: NN.bmp in the order met.
+// With QLMWIN_SNAPSHOTS naming a folder, each window the script meets is pictured there once:
+// the sheet once for each page shown, as page-TEMPLATE.bmp, and every other window (dialogs,
+// message boxes) as window-N.bmp in the order met.
 class Snapshots
 {
 public:
@@ -87,21 +91,25 @@ public:
         if (GetEnvironmentVariableW(L"QLMWIN_SNAPSHOTS", folder, MAX_PATH))
             m_folder = folder;
     }
-    void Take(HWND window, HWND page)
+    // pageTemplate is the page's template when window is the sheet, else 0.
+    void Take(HWND window, HWND page, int pageTemplate)
     {
         if (m_folder.empty() || m_seen.count({window, page}))
             return;
         m_seen.insert({window, page});
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
         wchar_t name[32];
-        swprintf(name, 32, L"\\%02d.bmp", ++m_count);
+        if (page)
+            swprintf(name, 32, L"\\page-%d.bmp", pageTemplate);
+        else
+            swprintf(name, 32, L"\\window-%d.bmp", ++m_windows);
         SaveSnapshot(window, m_folder + name);
     }
 
 private:
     std::wstring m_folder;
     std::set<std::pair<HWND, HWND>> m_seen;
-    int m_count = 0;
+    int m_windows = 0;
 };
 
 // Which template each page was made from, learnt where the driver makes its pages.
@@ -476,9 +484,14 @@ void ScriptedSheet::Tick()
         return;
     }
     m_idleSince = 0;
-    m_snapshots.Take(target, IsSheet(target) ? reinterpret_cast<HWND>(SendMessageW(
-                                                   target, PSM_GETCURRENTPAGEHWND, 0, 0))
-                                             : nullptr);
+    HWND page = IsSheet(target)
+                    ? reinterpret_cast<HWND>(SendMessageW(target, PSM_GETCURRENTPAGEHWND, 0, 0))
+                    : nullptr;
+    auto shown = page ? m_pageWindows.find(page) : m_pageWindows.end();
+    m_snapshots.Take(target, page,
+                     shown != m_pageWindows.end() && shown->second < m_reports.size()
+                         ? m_reports[shown->second].templateId
+                         : 0);
     if (m_actions.empty() || m_stalled) {
         Finish(target);
         return;
