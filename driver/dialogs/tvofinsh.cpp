@@ -55,26 +55,6 @@ constexpr int kSIZE_TEXTS = 5;
 const WCHAR kFALLBACK_SIZES[] = TEXT("%s x %s %s, %s %s");
 const WCHAR kLINE_END[] = TEXT("\r\n");
 
-// A format that takes exactly count texts and nothing else; any other conversion would read
-// arguments that are not there.
-BOOL TakesTexts(const WCHAR* format, int count)
-{
-    int texts = 0;
-    for (const WCHAR* p = format; *p; ++p) {
-        if (*p != '%')
-            continue;
-        if (p[1] == '%') {
-            ++p;
-            continue;
-        }
-        if (p[1] != 's')
-            return FALSE;
-        ++texts;
-        ++p;
-    }
-    return texts == count;
-}
-
 UINT FanFoldText(WORD code)
 {
     if (code == 0)
@@ -310,7 +290,7 @@ void TVOFinishDlg::SetupDescription()
                                                                  : IDS_UNITS_MM));
     WCHAR format[kLINE_CCH];
     WstrCopy(format, kLINE_CCH, m_pConfig->getResourceString(IDS_FINISH_SIZES));
-    if (!TakesTexts(format, kSIZE_TEXTS)) {
+    if (!WstrFormatTakesTexts(format, kSIZE_TEXTS)) {
         Trace(TEXT("size format unusable: \"%s\""), format);
         WstrCopy(format, kLINE_CCH, kFALLBACK_SIZES);
     }

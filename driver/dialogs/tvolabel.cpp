@@ -92,24 +92,11 @@ WORD SpinPosition(HWND hDlg, int id)
     return LOWORD(SendDlgItemMessageW(hDlg, id, UDM_GETPOS, 0, 0));
 }
 
-void EnableItems(HWND hDlg, const int* ids, int count, BOOL bEnable)
-{
-    for (int i = 0; i < count; ++i)
-        EnableWindow(GetDlgItem(hDlg, ids[i]), bEnable);
-}
-
 } // namespace
 
 TVOLabelDlg::TVOLabelDlg(TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM)
+    : TVOWorkingCopyDialog(IDD_LABEL, pConfig, pDM, kLabelLockList)
 {
-    m_iResourceID = IDD_LABEL;
-    m_pConfig = pConfig;
-    m_pPermissionIDs = kLabelLockList;
-    memset(static_cast<void*>(&m_DM), 0, sizeof(m_DM));
-    if (pDM)
-        memcpy(static_cast<void*>(&m_DM), pDM, sizeof(m_DM));
-    m_pDM = pDM ? &m_DM : nullptr;
-    m_pOrigDM = pDM;
 }
 
 BOOL TVOLabelDlg::OnInitDialog()
@@ -218,13 +205,13 @@ void TVOLabelDlg::SetControlsFromDM()
 void TVOLabelDlg::UpdatePlacementButtonX()
 {
     const int ids[] = {IDC_LABEL_OFFSET_X, IDC_LABEL_OFFSET_X_SPIN, IDC_LABEL_OFFSET_X_UNIT};
-    EnableItems(m_hWnd, ids, 3, GetComboSelection(IDC_LABEL_X) == kPLACE_OFFSET);
+    EnableControls(ids, 3, GetComboSelection(IDC_LABEL_X) == kPLACE_OFFSET);
 }
 
 void TVOLabelDlg::UpdatePlacementButtonY()
 {
     const int ids[] = {IDC_LABEL_OFFSET_Y, IDC_LABEL_OFFSET_Y_SPIN, IDC_LABEL_OFFSET_Y_UNIT};
-    EnableItems(m_hWnd, ids, 3, GetComboSelection(IDC_LABEL_Y) == kPLACE_OFFSET);
+    EnableControls(ids, 3, GetComboSelection(IDC_LABEL_Y) == kPLACE_OFFSET);
 }
 
 int TVOLabelDlg::EnteredValuesAreValid()
@@ -363,13 +350,12 @@ void TVOLabelDlg::OnCommand(int id, int code)
         }
         UpdateDMFromControls();
         setModified(TRUE);
-        memcpy(static_cast<void*>(m_pOrigDM), &m_DM, sizeof(m_DM));
-        m_pDM = m_pOrigDM;
+        KeepWorkingCopy();
         EndDialog(m_hWnd, 1);
         return;
     }
     case IDCANCEL:
-        m_pDM = m_pOrigDM;
+        DropWorkingCopy();
         EndDialog(m_hWnd, 2);
         return;
     case IDC_LABEL_X:

@@ -7,7 +7,7 @@
 
 constexpr int kLABEL_TEXT_CCH = 1049; // the record's field, with its terminator
 
-class TVOLabelDlg : public TVODialog
+class TVOLabelDlg : public TVOWorkingCopyDialog
 {
 public:
     TVOLabelDlg(TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM);
@@ -35,6 +35,4 @@ public:
     void AppendToLabel(UINT stringId);
 
     HFONT m_hfn = nullptr;
-    DEVMODEEX m_DM;
-    DEVMODEEX* m_pOrigDM = nullptr;
 };

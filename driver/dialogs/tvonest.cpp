@@ -23,15 +23,8 @@ constexpr int kFIELD_CCH = 32;
 } // namespace
 
 TVOPlotNestDlg::TVOPlotNestDlg(TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM)
+    : TVOWorkingCopyDialog(IDD_PLOTNEST, pConfig, pDM, kPlotNestLockList)
 {
-    m_iResourceID = IDD_PLOTNEST;
-    m_pConfig = pConfig;
-    m_pPermissionIDs = kPlotNestLockList;
-    memset(static_cast<void*>(&m_DM), 0, sizeof(m_DM));
-    if (pDM)
-        memcpy(static_cast<void*>(&m_DM), pDM, sizeof(m_DM));
-    m_pDM = pDM ? &m_DM : nullptr;
-    m_pOrigDM = pDM;
 }
 
 TVOFixed TVOPlotNestDlg::Maximum() const
@@ -100,13 +93,12 @@ void TVOPlotNestDlg::OnCommand(int id, int code)
         }
         UpdateDMFromControls();
         setModified(TRUE);
-        memcpy(static_cast<void*>(m_pOrigDM), &m_DM, sizeof(m_DM));
-        m_pDM = m_pOrigDM;
+        KeepWorkingCopy();
         EndDialog(m_hWnd, 1);
         return;
     }
     case IDCANCEL:
-        m_pDM = m_pOrigDM;
+        DropWorkingCopy();
         EndDialog(m_hWnd, 2);
         return;
     case IDC_DEFAULTS:

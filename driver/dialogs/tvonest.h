@@ -5,7 +5,7 @@
 
 #include "../ui/tvodialog.h"
 
-class TVOPlotNestDlg : public TVODialog
+class TVOPlotNestDlg : public TVOWorkingCopyDialog
 {
 public:
     TVOPlotNestDlg(TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM);
@@ -18,9 +18,6 @@ public:
     // 0 when the margin is in range, else the field, after the warning.
     int EnteredValuesAreValid();
     void UpdateDMFromControls();
-
-    DEVMODEEX m_DM;
-    DEVMODEEX* m_pOrigDM = nullptr;
 
 private:
     // The largest margin in the display units: 1 inch or 25 millimetres.

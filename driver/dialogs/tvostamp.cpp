@@ -54,24 +54,11 @@ constexpr size_t kNAME_FIELD_CCH = sizeof(DEVMODEEX::dmxStampName) / sizeof(WCHA
 constexpr WORD kDEFAULT_SCALE = 100;
 constexpr DWORD kDEFAULT_PLACEMENT = 2;
 
-void EnableItems(HWND hDlg, const int* ids, int count, BOOL bEnable)
-{
-    for (int i = 0; i < count; ++i)
-        EnableWindow(GetDlgItem(hDlg, ids[i]), bEnable);
-}
-
 } // namespace
 
 TVOStampDlg::TVOStampDlg(TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM)
+    : TVOWorkingCopyDialog(IDD_STAMP, pConfig, pDM, kStampLockList)
 {
-    m_iResourceID = IDD_STAMP;
-    m_pConfig = pConfig;
-    m_pPermissionIDs = kStampLockList;
-    memset(static_cast<void*>(&m_DM), 0, sizeof(m_DM));
-    if (pDM)
-        memcpy(static_cast<void*>(&m_DM), pDM, sizeof(m_DM));
-    m_pDM = pDM ? &m_DM : nullptr;
-    m_pOrigDM = pDM;
 }
 
 BOOL TVOStampDlg::OnInitDialog()
@@ -164,13 +151,13 @@ void TVOStampDlg::SetControlsFromDM()
 void TVOStampDlg::UpdatePlacementButtonX()
 {
     const int ids[] = {IDC_STAMP_OFFSET_X, IDC_STAMP_OFFSET_X_SPIN, IDC_STAMP_OFFSET_X_UNIT};
-    EnableItems(m_hWnd, ids, 3, GetComboSelection(IDC_STAMP_X) == kPLACE_OFFSET);
+    EnableControls(ids, 3, GetComboSelection(IDC_STAMP_X) == kPLACE_OFFSET);
 }
 
 void TVOStampDlg::UpdatePlacementButtonY()
 {
     const int ids[] = {IDC_STAMP_OFFSET_Y, IDC_STAMP_OFFSET_Y_SPIN, IDC_STAMP_OFFSET_Y_UNIT};
-    EnableItems(m_hWnd, ids, 3, GetComboSelection(IDC_STAMP_Y) == kPLACE_OFFSET);
+    EnableControls(ids, 3, GetComboSelection(IDC_STAMP_Y) == kPLACE_OFFSET);
 }
 
 int TVOStampDlg::EnteredValuesAreValid()
@@ -244,13 +231,12 @@ void TVOStampDlg::OnCommand(int id, int code)
         }
         UpdateDMFromControls();
         setModified(TRUE);
-        memcpy(static_cast<void*>(m_pOrigDM), &m_DM, sizeof(m_DM));
-        m_pDM = m_pOrigDM;
+        KeepWorkingCopy();
         EndDialog(m_hWnd, 1);
         return;
     }
     case IDCANCEL:
-        m_pDM = m_pOrigDM;
+        DropWorkingCopy();
         EndDialog(m_hWnd, 2);
         return;
     case IDC_DEFAULTS:

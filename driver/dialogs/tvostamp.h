@@ -5,7 +5,7 @@
 
 #include "../ui/tvodialog.h"
 
-class TVOStampDlg : public TVODialog
+class TVOStampDlg : public TVOWorkingCopyDialog
 {
 public:
     TVOStampDlg(TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM);
@@ -24,7 +24,4 @@ public:
     int EnteredValuesAreValid();
     void UpdatePlacementButtonX();
     void UpdatePlacementButtonY();
-
-    DEVMODEEX m_DM;
-    DEVMODEEX* m_pOrigDM = nullptr;
 };

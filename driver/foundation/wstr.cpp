@@ -795,3 +795,21 @@ size_t WstrVPrintf(WCHAR* dst, size_t cchDst, const WCHAR* format, va_list args)
     va_end(ap);
     return out.length();
 }
+
+bool WstrFormatTakesTexts(const WCHAR* format, int count)
+{
+    int texts = 0;
+    for (const WCHAR* p = format; p && *p; ++p) {
+        if (*p != '%')
+            continue;
+        if (p[1] == '%') {
+            ++p;
+            continue;
+        }
+        if (p[1] != 's')
+            return false;
+        ++texts;
+        ++p;
+    }
+    return texts == count;
+}

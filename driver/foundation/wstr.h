@@ -47,4 +47,7 @@ size_t Utf8ToWstr(WCHAR* dst, size_t cchDst, const char* src);
 // Flags - + 0 blank #, width and precision (also *), length h l ll I64 z; conversions
 // d i u x X o c C s S f F e E g G p %. Returns the length of the text written (as cut).
 size_t WstrPrintf(WCHAR* dst, size_t cchDst, const WCHAR* format, ...);
+// Whether a format takes exactly count texts (%s) and no other argument ("%%" aside): a format
+// from the resource library is checked so before the texts are given to it.
+bool WstrFormatTakesTexts(const WCHAR* format, int count);
 size_t WstrVPrintf(WCHAR* dst, size_t cchDst, const WCHAR* format, va_list args);

@@ -17,26 +17,6 @@ const WCHAR kUNKNOWN_LABEL[] = TEXT("?unknown?");
 // What the warning says when the library's format cannot be trusted with three texts.
 const WCHAR kFALLBACK_RANGE_FORMAT[] = TEXT("%s: %s .. %s");
 
-// A format that takes exactly the three texts and nothing else; anything other would read
-// arguments that are not there.
-BOOL IsThreeTextFormat(const WCHAR* format)
-{
-    int texts = 0;
-    for (const WCHAR* p = format; *p; ++p) {
-        if (*p != '%')
-            continue;
-        if (p[1] == '%') {
-            ++p;
-            continue;
-        }
-        if (p[1] != 's')
-            return FALSE;
-        ++texts;
-        ++p;
-    }
-    return texts == 3;
-}
-
 void RemoveMnemonics(WCHAR* text)
 {
     WCHAR* out = text;
@@ -149,12 +129,41 @@ void TVODialog::SubclassNumericEdit(int controlId)
 
 void TVODialog::EnableForFirmware(const int* ids, int count, LONG minimumRevision)
 {
-    const BOOL bEnable = m_pDM && m_pDM->dmxFirmwareRevision >= minimumRevision;
+    EnableControls(ids, count, m_pDM && m_pDM->dmxFirmwareRevision >= minimumRevision);
+}
+
+void TVODialog::EnableControls(const int* ids, int count, BOOL bEnable)
+{
     for (int i = 0; i < count; ++i) {
         HWND hControl = GetDlgItem(m_hWnd, ids[i]);
         if (hControl)
             EnableWindow(hControl, bEnable);
     }
+}
+
+TVOWorkingCopyDialog::TVOWorkingCopyDialog(int resourceId, TVOPrinterConfiguration* pConfig,
+                                           DEVMODEEX* pDM, const DWORD* pPermissionIDs)
+    : m_pOrigDM(pDM)
+{
+    m_iResourceID = resourceId;
+    m_pConfig = pConfig;
+    m_pPermissionIDs = pPermissionIDs;
+    memset(static_cast<void*>(&m_DM), 0, sizeof(m_DM));
+    if (pDM)
+        memcpy(static_cast<void*>(&m_DM), pDM, sizeof(m_DM));
+    m_pDM = pDM ? &m_DM : nullptr;
+}
+
+void TVOWorkingCopyDialog::KeepWorkingCopy()
+{
+    if (m_pOrigDM)
+        memcpy(static_cast<void*>(m_pOrigDM), &m_DM, sizeof(m_DM));
+    m_pDM = m_pOrigDM;
+}
+
+void TVOWorkingCopyDialog::DropWorkingCopy()
+{
+    m_pDM = m_pOrigDM;
 }
 
 void TVODialog::ShowRangeMessage(int controlId, DWORD cchLabel, const WCHAR* minimum,
@@ -163,7 +172,7 @@ void TVODialog::ShowRangeMessage(int controlId, DWORD cchLabel, const WCHAR* min
     WCHAR format[kRANGE_TEXT_CCH] = {};
     if (m_pConfig)
         WstrCopy(format, kRANGE_TEXT_CCH, m_pConfig->getResourceString(IDS_RANGE_ERROR));
-    if (!IsThreeTextFormat(format)) {
+    if (!WstrFormatTakesTexts(format, 3)) {
         Trace(TEXT("range error format unusable: \"%s\""), format);
         WstrCopy(format, kRANGE_TEXT_CCH, kFALLBACK_RANGE_FORMAT);
     }

@@ -40,6 +40,9 @@ public:
     // Enables the count controls when the record's firmware is at least minimumRevision,
     // disables them otherwise.
     void EnableForFirmware(const int* ids, int count, LONG minimumRevision);
+    // Enables or disables each of count controls; one the template lacks is passed over.
+    void EnableControls(const int* ids, int count, BOOL bEnable);
+    void EnableControl(int id, BOOL bEnable) { EnableControls(&id, 1, bEnable); }
     // The warning for a value out of range; controlId is the label beside the field.
     void ShowRangeError(int controlId, long minimum, long maximum);
     void ShowRangeError(int controlId, TVOFixed minimum, TVOFixed maximum);
@@ -70,6 +73,23 @@ public:
 private:
     void ShowRangeMessage(int controlId, DWORD cchLabel, const WCHAR* minimum,
                           const WCHAR* maximum);
+};
+
+// A dialog that edits a copy of the record: the given record takes the copy only on OK, so
+// Cancel and the close box undo everything, Restore Defaults included.
+class TVOWorkingCopyDialog : public TVODialog
+{
+public:
+    TVOWorkingCopyDialog(int resourceId, TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM,
+                         const DWORD* pPermissionIDs);
+
+    // OK: the copy over the given record, which m_pDM then points at again.
+    void KeepWorkingCopy();
+    // Cancel: m_pDM back at the given record, which stays as it was.
+    void DropWorkingCopy();
+
+    DEVMODEEX m_DM;
+    DEVMODEEX* m_pOrigDM = nullptr;
 };
 
 // The window procedures are exports of the driver library as well as the system's callbacks.

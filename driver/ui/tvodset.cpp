@@ -60,11 +60,6 @@ constexpr UINT kFILE_CCH = 512;
 constexpr UINT kSYSTEM_DIRECTORY_CCH = 256;
 constexpr int kMESSAGE_CCH = 1024;
 
-void Enable(HWND hDlg, int id, BOOL bEnable)
-{
-    EnableWindow(GetDlgItem(hDlg, id), bEnable);
-}
-
 void Check(HWND hDlg, int id, BOOL bChecked)
 {
     CheckDlgButton(hDlg, id, bChecked ? BST_CHECKED : BST_UNCHECKED);
@@ -130,8 +125,8 @@ void TVODeviceTab::SetControlsFromDM()
     SetFinisherList();
     // Model 5 has no finisher to choose.
     const BOOL bFinisher = !m_pDM->dmxBiDi && m_pConfig->m_PrinterModel != kMODEL_WIDE_5;
-    Enable(m_hWnd, IDC_DEVICE_FINISHER_CAPTION, bFinisher);
-    Enable(m_hWnd, IDC_DEVICE_FINISHER, bFinisher);
+    EnableControl(IDC_DEVICE_FINISHER_CAPTION, bFinisher);
+    EnableControl(IDC_DEVICE_FINISHER, bFinisher);
     SetOwnerControls();
     LockControls(m_pConfig->m_bHasPermission);
 }
@@ -149,20 +144,20 @@ void TVODeviceTab::SetAccountingControls()
         m_pDM->dmxAccountingEnable = 0;
     switch (m_pDM->dmxAccountingMode) {
     case kACCOUNTING_UNAVAILABLE:
-        Enable(m_hWnd, IDC_DEVICE_ACCOUNTING, FALSE);
+        EnableControl(IDC_DEVICE_ACCOUNTING, FALSE);
         Check(m_hWnd, IDC_DEVICE_ACCOUNTING, FALSE);
-        Enable(m_hWnd, IDC_DEVICE_ACCOUNT_IDS, FALSE);
+        EnableControl(IDC_DEVICE_ACCOUNT_IDS, FALSE);
         break;
     case kACCOUNTING_OPTIONAL:
-        Enable(m_hWnd, IDC_DEVICE_ACCOUNTING, TRUE);
+        EnableControl(IDC_DEVICE_ACCOUNTING, TRUE);
         Check(m_hWnd, IDC_DEVICE_ACCOUNTING, m_pDM->dmxAccountingEnable != 0);
-        Enable(m_hWnd, IDC_DEVICE_ACCOUNT_IDS, m_pDM->dmxAccountingEnable != 0);
+        EnableControl(IDC_DEVICE_ACCOUNT_IDS, m_pDM->dmxAccountingEnable != 0);
         break;
     case kACCOUNTING_MANDATORY:
         // Shown as on; the record's own flag is left as it is.
-        Enable(m_hWnd, IDC_DEVICE_ACCOUNTING, FALSE);
+        EnableControl(IDC_DEVICE_ACCOUNTING, FALSE);
         Check(m_hWnd, IDC_DEVICE_ACCOUNTING, TRUE);
-        Enable(m_hWnd, IDC_DEVICE_ACCOUNT_IDS, TRUE);
+        EnableControl(IDC_DEVICE_ACCOUNT_IDS, TRUE);
         break;
     default:
         ASSERT(m_pDM->dmxAccountingMode <= kACCOUNTING_MANDATORY);
@@ -178,7 +173,7 @@ void TVODeviceTab::SetBiDi()
     if (!QLMPortIsBiDi(m_pConfig->m_hPrinter))
         bEnable = FALSE;
     for (int id : kBiDiControls)
-        Enable(m_hWnd, id, bEnable);
+        EnableControl(id, bEnable);
 }
 
 void TVODeviceTab::SetFirmwareRev()
@@ -186,8 +181,8 @@ void TVODeviceTab::SetFirmwareRev()
     SendDlgItemMessageW(m_hWnd, IDC_DEVICE_FIRMWARE, CB_RESETCONTENT, 0, 0);
     m_pConfig->fillComboBox1(m_hWnd, IDC_DEVICE_FIRMWARE, m_pConfig->m_FirmwareList,
                              static_cast<DWORD>(m_pDM->dmxFirmwareRevision));
-    Enable(m_hWnd, IDC_DEVICE_FIRMWARE_CAPTION, m_pDM->dmxBiDi == 0);
-    Enable(m_hWnd, IDC_DEVICE_FIRMWARE, m_pDM->dmxBiDi == 0);
+    EnableControl(IDC_DEVICE_FIRMWARE_CAPTION, m_pDM->dmxBiDi == 0);
+    EnableControl(IDC_DEVICE_FIRMWARE, m_pDM->dmxBiDi == 0);
 }
 
 int TVODeviceTab::FindFinisherRow()
@@ -243,7 +238,7 @@ void TVODeviceTab::SetOwnerControls()
     WCHAR owner[kOWNER_CCH + 1] = {};
     WstrNCopy(owner, m_pDM->dmxOwner, kOWNER_CCH);
     SetDlgItemTextW(m_hWnd, IDC_DEVICE_OWNER, owner);
-    Enable(m_hWnd, IDC_DEVICE_OWNER, bTyped);
+    EnableControl(IDC_DEVICE_OWNER, bTyped);
 }
 
 void TVODeviceTab::OnUseLoginName()
@@ -427,7 +422,7 @@ void TVODeviceTab::OnCommand(int id, int code)
     switch (id) {
     case IDC_DEVICE_ACCOUNTING: {
         const BOOL bEnable = IsChecked(m_hWnd, IDC_DEVICE_ACCOUNTING);
-        Enable(m_hWnd, IDC_DEVICE_ACCOUNT_IDS, bEnable);
+        EnableControl(IDC_DEVICE_ACCOUNT_IDS, bEnable);
         SetAccounting(bEnable);
         if (m_bMandatoryAccounting && m_pDM->dmxAccountingEnable && !AccountingIdsComplete())
             DoAccountDlg();

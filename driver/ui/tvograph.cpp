@@ -48,13 +48,6 @@ constexpr DWORD kSCALE_TO_PAPER = 2;
 constexpr DWORD kSCALE_TO_A4 = 18;
 constexpr DWORD kSCALE_TO_LETTER = 1;
 
-void EnableControl(HWND hDlg, int id, BOOL bEnable)
-{
-    HWND hControl = GetDlgItem(hDlg, id);
-    if (hControl)
-        EnableWindow(hControl, bEnable);
-}
-
 } // namespace
 
 TVOGraphicsTab::TVOGraphicsTab(TVODialogInfo* lpdi, TVOPrinterConfiguration* pConfig,
@@ -98,8 +91,8 @@ BOOL TVOGraphicsTab::OnInitDialog()
     SubclassNumericEdit(IDC_GRAPHICS_PERCENT);
     // Tested here only: a record that gains the level later wakes the list in a new sheet.
     if (m_pDM->dmxFirmwareRevision < kMERGE_FIRMWARE) {
-        EnableControl(m_hWnd, IDC_GRAPHICS_MERGE_CAPTION, FALSE);
-        EnableControl(m_hWnd, IDC_GRAPHICS_MERGE, FALSE);
+        EnableControl(IDC_GRAPHICS_MERGE_CAPTION, FALSE);
+        EnableControl(IDC_GRAPHICS_MERGE, FALSE);
     }
     SetControlsFromDM();
     SetModified(FALSE);
@@ -181,9 +174,9 @@ void TVOGraphicsTab::enableGraphicsScalingFields()
     default:
         return;
     }
-    EnableControl(m_hWnd, IDC_GRAPHICS_PERCENT, bPercent);
-    EnableControl(m_hWnd, IDC_GRAPHICS_PERCENT_SPIN, bPercent);
-    EnableControl(m_hWnd, IDC_GRAPHICS_SCALE_TO_PAPER, bPaper);
+    EnableControl(IDC_GRAPHICS_PERCENT, bPercent);
+    EnableControl(IDC_GRAPHICS_PERCENT_SPIN, bPercent);
+    EnableControl(IDC_GRAPHICS_SCALE_TO_PAPER, bPaper);
 }
 
 // Choosing the row that is chosen already changes nothing.
@@ -280,7 +273,8 @@ void TVOGraphicsTab::SetPrinterDefaults()
     if (!m_pDM || !m_pConfig)
         return;
     m_pDM->dmxScalingMode = kSCALE_NONE;
-    m_pDM->dmxScaleToPaper = m_pDM->dmxUnits == static_cast<DWORD>(kDISTANCE_MM) ? kSCALE_TO_A4 : kSCALE_TO_LETTER;
+    m_pDM->dmxScaleToPaper =
+        m_pDM->dmxUnits == static_cast<DWORD>(kDISTANCE_MM) ? kSCALE_TO_A4 : kSCALE_TO_LETTER;
     m_pDM->dmxScalePercent = 100;
     m_pDM->dmxRasterImageScaling = 1;
     m_pDM->dmxMirrorX = 0;
