@@ -399,11 +399,6 @@ LRESULT TVOLabelDlg::OnNotify(const NMHDR* pnmhdr)
     return 1;
 }
 
-void TVOLabelDlg::OnClose()
-{
-    EndDialog(m_hWnd, 2);
-}
-
 void TVOLabelDlg::OnDestroy()
 {
     QLM_TRACE_SCOPE(TEXT("TVOLabelDlg::OnDestroy"), g_bTraceLabelDlg);
@@ -417,32 +412,5 @@ void TVOLabelDlg::OnDestroy()
             SetWindowLongPtrW(GetDlgItem(m_hWnd, id), GWLP_WNDPROC,
                               reinterpret_cast<LONG_PTR>(m_wpOrigEditProc));
         m_wpOrigEditProc = nullptr;
-    }
-}
-
-INT_PTR TVOLabelDlg::DialogProc(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    switch (message) {
-    case WM_INITDIALOG:
-        return OnInitDialog();
-    case WM_COMMAND:
-        if (m_pDM && m_pConfig)
-            OnCommand(LOWORD(wParam), HIWORD(wParam));
-        else if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)
-            EndDialog(m_hWnd, 2);
-        return 0;
-    case WM_NOTIFY:
-        return OnNotify(reinterpret_cast<const NMHDR*>(lParam));
-    case WM_HELP:
-        OnHelp(m_hWnd, wParam, reinterpret_cast<const HELPINFO*>(lParam));
-        return 0;
-    case WM_CLOSE:
-        OnClose();
-        return 0;
-    case WM_DESTROY:
-        OnDestroy();
-        return 0;
-    default:
-        return 0;
     }
 }

@@ -120,27 +120,3 @@ LRESULT TVOPlotNestDlg::OnNotify(const NMHDR* pnmhdr)
     SpinDistanceField(IDC_PLOTNEST_MARGIN, pUpDown->iDelta, TVOFixed(0L), Maximum(), kFIELD_CCH);
     return 1;
 }
-
-INT_PTR TVOPlotNestDlg::DialogProc(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    switch (message) {
-    case WM_INITDIALOG:
-        return OnInitDialog();
-    case WM_COMMAND:
-        if (m_pDM && m_pConfig)
-            OnCommand(LOWORD(wParam), HIWORD(wParam));
-        else if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)
-            EndDialog(m_hWnd, 2);
-        return 0;
-    case WM_NOTIFY:
-        return OnNotify(reinterpret_cast<const NMHDR*>(lParam));
-    case WM_HELP:
-        OnHelp(m_hWnd, wParam, reinterpret_cast<const HELPINFO*>(lParam));
-        return 0;
-    case WM_CLOSE:
-        EndDialog(m_hWnd, 2);
-        return 0;
-    default:
-        return 0;
-    }
-}

@@ -10,11 +10,10 @@ class TVOPlotNestDlg : public TVOWorkingCopyDialog
 public:
     TVOPlotNestDlg(TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM);
 
-    INT_PTR DialogProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     void SetControlsFromDM() override;
-    BOOL OnInitDialog();
-    void OnCommand(int id, int code);
-    LRESULT OnNotify(const NMHDR* pnmhdr);
+    BOOL OnInitDialog() override;
+    void OnCommand(int id, int code) override;
+    LRESULT OnNotify(const NMHDR* pnmhdr) override;
     // 0 when the margin is in range, else the field, after the warning.
     int EnteredValuesAreValid();
     void UpdateDMFromControls();

@@ -276,40 +276,8 @@ LRESULT TVOStampDlg::OnNotify(const NMHDR* pnmhdr)
     return 1;
 }
 
-void TVOStampDlg::OnClose()
-{
-    EndDialog(m_hWnd, 2);
-}
-
 void TVOStampDlg::OnDestroy()
 {
     // The subclassed fields go with their window.
     QLM_TRACE_SCOPE(TEXT("TVOStampDlg::OnDestroy"), g_bTraceRasterStampDlg);
-}
-
-INT_PTR TVOStampDlg::DialogProc(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    switch (message) {
-    case WM_INITDIALOG:
-        return OnInitDialog();
-    case WM_COMMAND:
-        if (m_pDM && m_pConfig)
-            OnCommand(LOWORD(wParam), HIWORD(wParam));
-        else if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)
-            EndDialog(m_hWnd, 2);
-        return 0;
-    case WM_NOTIFY:
-        return OnNotify(reinterpret_cast<const NMHDR*>(lParam));
-    case WM_HELP:
-        OnHelp(m_hWnd, wParam, reinterpret_cast<const HELPINFO*>(lParam));
-        return 0;
-    case WM_CLOSE:
-        OnClose();
-        return 0;
-    case WM_DESTROY:
-        OnDestroy();
-        return 0;
-    default:
-        return 0;
-    }
 }

@@ -10,13 +10,11 @@ class TVOStampDlg : public TVOWorkingCopyDialog
 public:
     TVOStampDlg(TVOPrinterConfiguration* pConfig, DEVMODEEX* pDM);
 
-    INT_PTR DialogProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     void SetControlsFromDM() override;
-    BOOL OnInitDialog();
-    void OnCommand(int id, int code);
-    LRESULT OnNotify(const NMHDR* pnmhdr);
-    void OnClose();
-    void OnDestroy();
+    BOOL OnInitDialog() override;
+    void OnCommand(int id, int code) override;
+    LRESULT OnNotify(const NMHDR* pnmhdr) override;
+    void OnDestroy() override;
     void SetPrinterDefaults();
     void UpdateDMFromControls();
     // 0 when every field is in range, else the first bad field, after its warning. The

@@ -88,6 +88,15 @@ public:
     // Cancel: m_pDM back at the given record, which stays as it was.
     void DropWorkingCopy();
 
+    // One message map for every such dialog; without a record, OK and Cancel only close it.
+    INT_PTR DialogProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    virtual BOOL OnInitDialog() = 0;
+    virtual void OnCommand(int id, int code) = 0;
+    virtual LRESULT OnNotify(const NMHDR* pnmhdr) = 0;
+    // The close box is Cancel.
+    virtual void OnClose();
+    virtual void OnDestroy();
+
     DEVMODEEX m_DM;
     DEVMODEEX* m_pOrigDM = nullptr;
 };
