@@ -3,7 +3,7 @@
 // given; a check box says whether the numbers are kept for later jobs.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 class TVOAccountDlg : public TVODialog
 {

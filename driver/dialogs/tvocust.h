@@ -3,7 +3,7 @@
 // Its button opens the printer's user-defined papers.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 class TVOCustDlg : public TVODialog
 {

@@ -3,7 +3,7 @@
 // takes the output bin and the fold option. It works on values of its own until OK.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 constexpr int kFINISH_DESCRIPTION_CCH = 1024;
 

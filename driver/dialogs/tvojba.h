@@ -3,7 +3,7 @@
 // box says whether the texts are kept for later jobs.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 // Characters of dmxJBAUser and dmxJBAAcct; a text that fills a field has no terminator.
 constexpr int kJBA_TEXT_CCH = 32;

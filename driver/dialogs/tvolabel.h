@@ -3,7 +3,7 @@
 // the caller's record only on OK.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 constexpr int kLABEL_TEXT_CCH = 1049; // the record's field, with its terminator
 

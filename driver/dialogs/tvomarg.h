@@ -3,7 +3,7 @@
 // inches and shown in the record's display units.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 class TVOUnprintableDlg : public TVODialog
 {

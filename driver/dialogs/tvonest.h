@@ -3,7 +3,7 @@
 // which reaches the caller's record only on OK.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 class TVOPlotNestDlg : public TVOWorkingCopyDialog
 {

@@ -3,7 +3,7 @@
 // maps the port to the address for the next time.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 constexpr int kPRINTERIP_ADDRESS_CB = 127;
 

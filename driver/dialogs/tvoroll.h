@@ -4,7 +4,7 @@
 // last roll vanish and the sheet feed row, the buttons and the dialog's bottom move up.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 class TVORollConfigDlg : public TVODialog
 {

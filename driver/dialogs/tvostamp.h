@@ -3,7 +3,7 @@
 // also be typed. It edits a copy of the record, which reaches the caller's record only on OK.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 class TVOStampDlg : public TVOWorkingCopyDialog
 {

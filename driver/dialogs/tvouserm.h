@@ -4,7 +4,7 @@
 // take them when they are next filled.
 #pragma once
 
-#include "../ui/tvodialog.h"
+#include "../framework/tvodialog.h"
 
 class TVOUserDefinedMediaDlg : public TVODialog
 {

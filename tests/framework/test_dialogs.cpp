@@ -3,7 +3,7 @@
 // and the host's records show what the user sees.
 #include "driver/config/tvoconfg.h"
 #include "driver/devmode/tvodm.h"
-#include "driver/ui/tvodialog.h"
+#include "driver/framework/tvodialog.h"
 #include "resources/qlmres.h"
 #include "support/hostprinter.h"
 

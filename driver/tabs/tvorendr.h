@@ -4,7 +4,7 @@
 // resolution and vector rows.
 #pragma once
 
-#include "tvotab.h"
+#include "../framework/tvotab.h"
 
 class TVORenderTab : public TVOTab
 {

@@ -4,7 +4,7 @@
 // controls follow the printer's firmware level and its finisher.
 #pragma once
 
-#include "tvotab.h"
+#include "../framework/tvotab.h"
 
 class TVOJobTab : public TVOTab
 {

@@ -5,7 +5,7 @@
 #include "driver/dialogs/tvoprinteripdlg.h"
 #include "driver/dialogue/qlmrefresh.h"
 #include "driver/foundation/qlmutils.h"
-#include "driver/ui/tvoabout.h"
+#include "driver/tabs/tvoabout.h"
 #include "pjlsim/pjlsim_support.h"
 #include "resources/qlmres.h"
 #include "server.h"

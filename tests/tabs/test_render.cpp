@@ -4,8 +4,8 @@
 // script drives them; the scripts of tests/scripts/sheets drive them in the real sheet.
 #include "driver/config/tvoconfg.h"
 #include "driver/devmode/tvodm.h"
-#include "driver/ui/tvograph.h"
-#include "driver/ui/tvorendr.h"
+#include "driver/tabs/tvograph.h"
+#include "driver/tabs/tvorendr.h"
 #include "resources/qlmres.h"
 #include "support/hostprinter.h"
 

@@ -2,7 +2,7 @@
 // handling of raster images; the tab only stores them in the record.
 #pragma once
 
-#include "tvotab.h"
+#include "../framework/tvotab.h"
 
 class TVOGraphicsTab : public TVOTab
 {

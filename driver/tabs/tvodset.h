@@ -5,7 +5,7 @@
 // otherwise the user sets them.
 #pragma once
 
-#include "tvotab.h"
+#include "../framework/tvotab.h"
 
 class TVODeviceTab : public TVOTab
 {

@@ -4,7 +4,7 @@
 #include "driver/config/tvoconfg.h"
 #include "driver/devmode/tvodm.h"
 #include "driver/dialogs/tvouserm.h"
-#include "driver/ui/tvopaper.h"
+#include "driver/tabs/tvopaper.h"
 #include "resources/qlmres.h"
 #include "support/hostprinter.h"
 

@@ -3,7 +3,7 @@
 // and copies. It opens the customise, unprintable margin and about dialogs.
 #pragma once
 
-#include "tvotab.h"
+#include "../framework/tvotab.h"
 
 // The item data of the paper list's row that opens the customise dialog.
 constexpr DWORD kPAPER_ACTION_ROW = 0xFFFFFFFF;

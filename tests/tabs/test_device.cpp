@@ -7,7 +7,7 @@
 #include "driver/devmode/tvodm.h"
 #include "driver/dialogs/tvoroll.h"
 #include "driver/entry/tvouidrv.h"
-#include "driver/ui/tvodset.h"
+#include "driver/tabs/tvodset.h"
 #include "resources/qlmres.h"
 #include "support/hostprinter.h"
 

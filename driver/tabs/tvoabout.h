@@ -3,8 +3,8 @@
 // driver files. They edit nothing.
 #pragma once
 
-#include "tvodialog.h"
-#include "tvotab.h"
+#include "../framework/tvodialog.h"
+#include "../framework/tvotab.h"
 
 class TVOAboutTab : public TVOTab
 {

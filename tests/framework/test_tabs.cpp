@@ -4,7 +4,7 @@
 #include "driver/config/tvoconfg.h"
 #include "driver/devmode/tvodm.h"
 #include "driver/foundation/qlmutils.h"
-#include "driver/ui/tvotab.h"
+#include "driver/framework/tvotab.h"
 #include "resources/qlmres.h"
 #include "support/hostprinter.h"
 
