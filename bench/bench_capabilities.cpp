@@ -7,6 +7,7 @@
 #include "driver/devmode/tvodm.h"
 #include "driver/entry/tvouidrv.h"
 #include "driver/foundation/qlmtrace.h"
+#include "driver/foundation/qlmswitches.h"
 #include "driver/foundation/qlmutils.h"
 #include "driver/foundation/wstr.h"
 #include "platform/host/host.h"

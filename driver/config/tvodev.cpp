@@ -4,6 +4,7 @@
 #include "../devmode/tvodm.h"
 #include "../foundation/qlmsnapshot.h"
 #include "../foundation/qlmtrace.h"
+#include "../foundation/qlmswitches.h"
 #include "../foundation/qlmutils.h"
 
 #include <cstring>

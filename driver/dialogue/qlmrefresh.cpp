@@ -3,6 +3,7 @@
 
 #include "../config/tvoconfg.h"
 #include "../foundation/qlmtrace.h"
+#include "../foundation/qlmswitches.h"
 #include "../foundation/qlmutils.h"
 #include "pjlgrammar.h"
 #include "qlmport.h"

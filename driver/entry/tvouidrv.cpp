@@ -8,6 +8,7 @@
 #include "../devmode/tvodm_convert.h"
 #include "../foundation/qlmsnapshot.h"
 #include "../foundation/qlmtrace.h"
+#include "../foundation/qlmswitches.h"
 #include "../foundation/qlmutils.h"
 
 #include <algorithm>

@@ -3,6 +3,7 @@
 #include "support/tracecapture.h"
 
 #include "driver/foundation/qlmtrace.h"
+#include "driver/foundation/qlmswitches.h"
 
 #include <gtest/gtest.h>
 
