@@ -4,6 +4,7 @@
 #include "../devmode/tvodm.h"
 #include "../foundation/qlmtrace.h"
 #include "../foundation/wstr.h"
+#include "qlmrefresh_config.h"
 #include "tvofinisher.h"
 
 #include <cstring>
@@ -55,10 +56,6 @@ const WCHAR* const kRollSizeNames[] = {
     TEXT("Roll 54in"),  TEXT("Roll B1"),    TEXT("Roll B2"),    TEXT("Roll B3"),
 };
 
-constexpr const WCHAR* kDEFAULT_ROLL_SIZE = TEXT("Roll 36in");
-constexpr const WCHAR* kDEFAULT_ROLL_TYPE = TEXT("Paper");
-constexpr const WCHAR* kDEFAULT_ROLL_STAT = TEXT("None");
-constexpr const WCHAR* kNOT_INSTALLED = TEXT("Not Installed");
 
 template <size_t N>
 const WCHAR* NameAt(const WCHAR* const (&names)[N], DWORD n, const WCHAR* fallback)
@@ -153,55 +150,6 @@ void ReplaceOwned(WCHAR*& field, WCHAR* value)
 
 } // namespace
 
-BOOL QLMCopyLineValue(char* out, DWORD cbOut, const char* buffer, DWORD cbBuffer, DWORD value,
-                      const char* stops)
-{
-    if (!out || cbOut == 0)
-        return FALSE;
-    out[0] = 0;
-    const char* text = PJLValueText(buffer, cbBuffer, value);
-    if (!text)
-        return FALSE;
-    DWORD n = 0;
-    DWORD available = cbBuffer - value;
-    while (n + 1 < cbOut && n < available && text[n] && !strchr(stops, text[n]))
-        n++;
-    memcpy(out, text, n);
-    out[n] = 0;
-    return TRUE;
-}
-
-void QLMInitPJLConfig(TVOPJLConfig* pjlConfig)
-{
-    if (!pjlConfig)
-        return;
-    memset(pjlConfig, 0, sizeof(*pjlConfig));
-    pjlConfig->dwReserved1 = 1;
-    pjlConfig->dwReserved2 = 0;
-    pjlConfig->dwReserved3 = 1;
-    for (int i = 0; i < kMAX_ROLLS; i++) {
-        pjlConfig->rollSize[i] = kDEFAULT_ROLL_SIZE;
-        pjlConfig->rollType[i] = kDEFAULT_ROLL_TYPE;
-        pjlConfig->rollStat[i] = kDEFAULT_ROLL_STAT;
-    }
-    pjlConfig->manualSize = kDEFAULT_ROLL_SIZE;
-    pjlConfig->manualType = kDEFAULT_ROLL_TYPE;
-    pjlConfig->manualStat = kDEFAULT_ROLL_STAT;
-}
-
-void QLMFreePJLConfig(TVOPJLConfig* pjlConfig)
-{
-    if (!pjlConfig)
-        return;
-    ReplaceOwned(pjlConfig->firmware, nullptr);
-    ReplaceOwned(pjlConfig->labelFont, nullptr);
-    ReplaceOwned(pjlConfig->fontList, nullptr);
-    ReplaceOwned(pjlConfig->defaultStamp, nullptr);
-    ReplaceOwned(pjlConfig->stampList, nullptr);
-    pjlConfig->fontListSize = 0;
-    pjlConfig->stampListSize = 0;
-}
-
 const WCHAR* getRollType(DWORD n)
 {
     return NameAt(kRollTypeNames, n, kDEFAULT_ROLL_TYPE);
@@ -215,25 +163,6 @@ const WCHAR* getRollStat(DWORD n)
 const WCHAR* getRollSize(DWORD n)
 {
     return NameAt(kRollSizeNames, n, kDEFAULT_ROLL_SIZE);
-}
-
-const WCHAR* getFinisherType(const char* text)
-{
-    static const struct
-    {
-        const char* wire;
-        const WCHAR* name;
-    } kTypes[] = {
-        {"GERA_ISO", TEXT("Gera Iso")},
-        {"GERA_ANSI", TEXT("Gera Ansi")},
-        {"GERA_ANSI_SPECIAL", TEXT("Gera Ansi Special")},
-        {"GFI", TEXT("GFI Finisher")},
-    };
-    for (const auto& row : kTypes) {
-        if (text && strcmp(text, row.wire) == 0)
-            return row.name;
-    }
-    return kNOT_INSTALLED;
 }
 
 const WCHAR* getAcctMode(const char* text)

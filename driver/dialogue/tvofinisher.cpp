@@ -6,7 +6,7 @@
 #include "../foundation/qlmtrace.h"
 #include "../foundation/wstr.h"
 #include "qlminifile.h"
-#include "qlmrefresh_decode.h"
+#include "qlmrefresh_config.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -228,6 +228,25 @@ void getFinisherPrograms(TVOPJLConfig* pjlConfig, const char* text)
         program.edge = GetEdgeCode(wide);
     }
     delete[] copy;
+}
+
+const WCHAR* getFinisherType(const char* text)
+{
+    static const struct
+    {
+        const char* wire;
+        const WCHAR* name;
+    } kTypes[] = {
+        {"GERA_ISO", TEXT("Gera Iso")},
+        {"GERA_ANSI", TEXT("Gera Ansi")},
+        {"GERA_ANSI_SPECIAL", TEXT("Gera Ansi Special")},
+        {"GFI", TEXT("GFI Finisher")},
+    };
+    for (const auto& row : kTypes) {
+        if (text && strcmp(text, row.wire) == 0)
+            return row.name;
+    }
+    return kNOT_INSTALLED;
 }
 
 void ProcessFinisherTokens(const PJLTokenValue* tokens, DWORD index, TVOPJLConfig* pjlConfig,

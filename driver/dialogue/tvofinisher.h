@@ -29,6 +29,10 @@ WORD GetSheetDeliveryCode(LPCWSTR pszText, WORD wCurrent);
 // LONGEDGE 1, SHORTEDGE 0, anything else 2 (a row's CR left on the word included).
 WORD GetEdgeCode(LPCWSTR pszText);
 
+// The finisher type of the printer's FINISHERTYPE line as its name; "Not Installed" for any
+// other text.
+const WCHAR* getFinisherType(const char* text);
+
 // One finisher token (or TOKEN_INFO_FINISHER_TYPE) of a refresh into pjlConfig. String values
 // are read from the reply buffer the tokens were parsed from.
 void ProcessFinisherTokens(const PJLTokenValue* tokens, DWORD index, TVOPJLConfig* pjlConfig,

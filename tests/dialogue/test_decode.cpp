@@ -4,6 +4,7 @@
 
 #include "driver/devmode/tvodm.h"
 #include "driver/dialogue/qlmrefresh_decode.h"
+#include "driver/dialogue/tvofinisher.h"
 #include "driver/dialogue/tvoparsepjl.h"
 #include "driver/foundation/wstr.h"
 
