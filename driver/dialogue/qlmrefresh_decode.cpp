@@ -56,7 +56,6 @@ const WCHAR* const kRollSizeNames[] = {
     TEXT("Roll 54in"),  TEXT("Roll B1"),    TEXT("Roll B2"),    TEXT("Roll B3"),
 };
 
-
 template <size_t N>
 const WCHAR* NameAt(const WCHAR* const (&names)[N], DWORD n, const WCHAR* fallback)
 {

@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <cstring>
 
-
 using namespace wstrcodec;
 
 namespace {
