@@ -5,49 +5,13 @@
 #pragma once
 
 #include "../devmode/devmodeex.h"
+#include "../devmode/tvomodels.h"
+#include "tvoconfg_lists.h"
 
 class QLMPrinterSnapshot;
 
-// One row of a list table: the resource string that names a choice, and the choice's value.
-// A row with identifier 0 ends the list.
-struct TVOListEntry
-{
-    DWORD dwResourceId;
-    DWORD dwValue;
-};
-typedef const TVOListEntry* TVOList;
-
-// The model identifiers of the catalogue.
-enum eTVOPrinterModel : DWORD
-{
-    kMODEL_2420 = 0,
-    kMODEL_2410 = 1,
-    kMODEL_2445 = 2,
-    kMODEL_2440 = 3,
-    kMODEL_NONE_4 = 4,
-    kMODEL_WIDE_5 = 5, // no alias leads here; its rules for wide media stay
-    kMODEL_318P = 6,   // Amethyst
-    kMODEL_427 = 7,    // Kestrel; also every name the alias table does not know
-    kMODEL_3310 = 8,   // sorrento
-    kMODEL_3320 = 9,   // sorrento
-    kMODEL_3344 = 10,  // tallo
-    kMODEL_3320A = 11,
-    kNUM_MODELS = 12,
-};
-// Models 8 to 11 print at 600 dots per inch and carry the wide job list.
-inline bool IsHighResolutionModel(DWORD model)
-{
-    return model >= kMODEL_3310 && model <= kMODEL_3320A;
-}
-
-// Paper codes of dmPaperSize.
-constexpr WORD PAPER_CUSTOM = 256;
-constexpr WORD PAPER_FIRST_STANDARD = 257; // Letter; the standard papers run to 278
-constexpr WORD PAPER_LAST_STANDARD = 278;
-constexpr WORD PAPER_USER_BASE = 281; // plus the index of the form in m_UserForms
-constexpr int kNUM_PAPER_SIZES = 28;  // the 22 standard papers and six spare rows
-constexpr int kPAPER_NAME_CCH = 64;   // one DC_PAPERNAMES entry
-constexpr int kBIN_NAME_CCH = 24;     // one DC_BINNAMES entry
+constexpr int kPAPER_NAME_CCH = 64; // one DC_PAPERNAMES entry
+constexpr int kBIN_NAME_CCH = 24;   // one DC_BINNAMES entry
 
 // Bits of dmxShowPaperTypes: the paper families a user has switched on.
 constexpr DWORD kSHOW_STANDARD = 0x01;
@@ -218,7 +182,3 @@ public:
     WCHAR m_MediaNames[32][128];
     ULONGLONG m_qwSpare;
 };
-
-// The model a driver name stands for, by the alias table: first a whole-name match with case
-// ignored, then the first row contained in the name; else model 7.
-DWORD TVOFindPrinterModel(LPCWSTR szPrinter);

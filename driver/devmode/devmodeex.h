@@ -35,6 +35,12 @@ enum
 
 constexpr int kMAX_ROLLS = 6;
 
+// Paper codes of dmPaperSize.
+constexpr WORD PAPER_CUSTOM = 256;
+constexpr WORD PAPER_FIRST_STANDARD = 257; // Letter; the standard papers run to 278
+constexpr WORD PAPER_LAST_STANDARD = 278;
+constexpr WORD PAPER_USER_BASE = 281; // plus the index of the printer's user form
+
 struct DEVMODEEX
 {
     DEVMODEW dmPublic;

@@ -2,10 +2,10 @@
 // a merge leaves invalid.
 #include "tvodm.h"
 
-#include "../config/tvoconfg.h"
 #include "../foundation/qlmtrace.h"
 #include "../foundation/qlmutils.h"
 #include "../foundation/wstr.h"
+#include "tvomodels.h"
 
 #include <algorithm>
 #include <cstring>
@@ -165,13 +165,11 @@ int TVODevMode::getDeviceMode(HANDLE hPrinter, LPCWSTR szPort, LPCWSTR szDevName
     }
     setDefaults(hPrinter);
     if (dwData != 0) {
-        TVOPrinterConfiguration* pConfig =
-            new (std::nothrow) TVOPrinterConfiguration(QLMGetDriverName(*snapshot));
-        ASSERT(pConfig != 0);
-        if (pConfig && pForeign)
-            modifyDeviceMode(hPrinter, &pForeign->dmPublic, pConfig->m_PrinterModel);
+        // The queue's model, as its configuration would decide it from the driver name.
+        if (pForeign)
+            modifyDeviceMode(hPrinter, &pForeign->dmPublic,
+                             TVOFindPrinterModel(QLMGetDriverName(*snapshot)));
         m_lpDM->dmPublic.dmColor = 1;
-        delete pConfig;
         operator delete(pForeign);
     }
     getPrinterData(hPrinter);
