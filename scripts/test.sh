@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
-# Every test of both platforms: the host suites, then the whole suite again under the address
-# and undefined-behaviour sanitizers, then the Windows cross build with its export check, and
-# last the Windows build run under Wine and compared with the host (scripts/test-wine.sh).
+# Every test of both platforms: the layering of the driver's includes, the host suites, then the
+# whole suite again under the address and undefined-behaviour sanitizers, then the Windows cross
+# build with its export check, and last the Windows build run under Wine and compared with the
+# host (scripts/test-wine.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
 jobs=$(nproc)
+
+echo "== layers"
+python3 scripts/check-layers.py
 
 for preset in host host-asan; do
   echo "== $preset"

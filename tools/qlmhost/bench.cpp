@@ -115,10 +115,10 @@ int BenchCommand(Args& args, const Options& options)
     const bool parts = args.Flag("--parts");
     long long calls = 0;
     int rc;
-    if (!Expect(args, "bench", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     if (!ParseNumber(callsText, 1, 100000, &calls))
-        return UsageError(FindCommand("bench"), "--calls takes a number from 1 to 100000");
+        return UsageError(args.Called(), "--calls takes a number from 1 to 100000");
     OpenedPrinter printer(args.Rest()[0]);
     if (!printer.get())
         return Fail("no printer named '" + args.Rest()[0] + "'");

@@ -164,12 +164,12 @@ int CapsCommand(Args& args, const Options& options)
     bool withDevmode = args.Take("--devmode", &devmodePath);
     const bool app = args.Flag("--app");
     int rc;
-    if (!Expect(args, "caps", 2, 2, &rc))
+    if (!Expect(args, 2, 2, &rc))
         return rc;
     const std::string& printerName = args.Rest()[0];
     WORD index;
     if (!ParseCapIndex(args.Rest()[1], &index))
-        return UsageError(FindCommand("caps"),
+        return UsageError(args.Called(),
                           "'" + args.Rest()[1] +
                               "' is no capability index: give a number from 0 to 65535 or a "
                               "DC_ name (see qlmhost caps --help)");

@@ -12,6 +12,15 @@
 // The tool's name in messages: "qlmhost" or "qlmwin".
 extern const char* const g_pszToolName;
 
+struct Command;
+
+// A tool's command table, handed down to what runs commands by name (batch, usage).
+struct CommandTable
+{
+    const Command* rows = nullptr;
+    size_t count = 0;
+};
+
 struct Options
 {
     bool json = false;
@@ -20,13 +29,17 @@ struct Options
     std::optional<std::string> address;
     std::string addressScript; // the actions that answer the address dialog with it
     std::string testDialogs;   // the test dialogs' library the probe runs on
+    CommandTable commands;     // the tool's commands, for a batch
 };
 
 // The words of one command line after the global options, with its flags picked out.
 class Args
 {
 public:
-    explicit Args(std::vector<std::string> words) : m_words(std::move(words)) {}
+    Args(std::vector<std::string> words, const Command& called)
+        : m_words(std::move(words)), m_called(&called)
+    {
+    }
     // Removes "--name VALUE" and returns VALUE; empty optional when absent.
     bool Take(const std::string& name, std::string* value);
     // Removes "--name" and says whether it was there.
@@ -35,9 +48,12 @@ public:
     const std::vector<std::string>& Rest() const { return m_words; }
     // An error message when a word that looks like an option is left over.
     bool Unknown(std::string* message) const;
+    // The command these words were given to, for its usage line.
+    const Command& Called() const { return *m_called; }
 
 private:
     std::vector<std::string> m_words;
+    const Command* m_called;
 };
 
 struct Command
@@ -49,26 +65,11 @@ struct Command
     const char* details = nullptr; // more for --help, or null
 };
 
-// The tool's command table.
-extern const Command g_Commands[];
-extern const size_t g_cCommands;
-// Rows that both tools' tables hold.
-extern const Command g_CapsCommand;
-extern const Command g_DevmodeDefaultCommand;
-extern const Command g_DevmodeShowCommand;
-extern const Command g_DevmodeConvertCommand;
-extern const Command g_SheetCommand;
-extern const Command g_BatchCommand;
-extern const Command g_ProbeCommand;
-extern const Command g_BenchCommand;
-int BatchCommand(Args& args, const Options& options);
-
 // Prints "qlmhost: message" to standard error and returns the exit code 1 or 2.
 int Fail(const std::string& message);
 int UsageError(const Command& command, const std::string& message);
-const Command& FindCommand(const char* name);
 // Checks the positional count and that no unknown option is left; prints usage otherwise.
-bool Expect(Args& args, const char* command, size_t minWords, size_t maxWords, int* rc);
+bool Expect(Args& args, size_t minWords, size_t maxWords, int* rc);
 
 // The whole of a file, or of standard input for "-"; false when it cannot be read.
 bool ReadTextFile(const std::string& path, std::string* text);
@@ -106,7 +107,7 @@ bool StoredRecord(HANDLE hPrinter, std::vector<BYTE>* info, std::vector<BYTE>* r
                   std::string* error);
 
 // The tool's usage: its own lines, then the command table.
-void PrintUsage(const char* header);
+void PrintUsage(const char* header, const CommandTable& table);
 // A command line that cannot be read: exit code 2, as for a command's own usage errors.
 int GlobalUsageError(const std::string& message);
 bool IsHelp(const std::string& word);
@@ -115,11 +116,5 @@ void PrintCommandHelp(const Command& command);
 
 // The command that words, from start on, name: the longest name they begin with ("printer add"
 // before "printer"). *used is the count of words the name took; null when none matches.
-const Command* MatchCommand(const std::vector<std::string>& words, size_t start, size_t* used);
-
-// Runs each command line of a file, in this process, one after the other: blank lines and
-// lines that start with # are passed over, and words split at blanks, "..." keeping blanks in
-// one word. Prints one line a command: the line, a tab, and what the command printed on one
-// line, or {"error": ...} with its message when it printed nothing and failed. 0 when every
-// command succeeded.
-int RunBatch(const std::string& path, const Options& options);
+const Command* MatchCommand(const CommandTable& table, const std::vector<std::string>& words,
+                            size_t start, size_t* used);

@@ -167,7 +167,7 @@ bool StoredRecord(HANDLE hPrinter, std::vector<BYTE>* info, std::vector<BYTE>* r
 int DevmodeLayout(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "devmode layout", 0, 0, &rc))
+    if (!Expect(args, 0, 0, &rc))
         return rc;
     static const char* kKinds[] = {"bytes", "signed", "unsigned", "hex",
                                    "text",  "list",   "fixed",    "finisher"};
@@ -204,7 +204,7 @@ int DevmodeLayout(Args& args, const Options& options)
 int DevmodeShow(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "devmode show", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     OpenedPrinter printer(args.Rest()[0]);
     if (!printer.get())
@@ -222,7 +222,7 @@ int DevmodeShow(Args& args, const Options& options)
 int DevmodeNew(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "devmode new", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     OpenedPrinter printer(args.Rest()[0]);
     if (!printer.get())
@@ -241,7 +241,7 @@ int DevmodeDefault(Args& args, const Options& options)
     const bool app = args.Flag("--app");
     const bool hasIn = args.Take("--in", &inPath);
     int rc;
-    if (!Expect(args, "devmode default", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     OpenedPrinter printer(args.Rest()[0]);
     if (!printer.get())
@@ -274,13 +274,13 @@ int DevmodeConvert(Args& args, const Options& options)
 {
     std::string modeText, inPath, outSizeText, outPath;
     if (!args.Take("--mode", &modeText))
-        return UsageError(FindCommand("devmode convert"),
+        return UsageError(args.Called(),
                           "--mode convert|convert351|default is required");
     bool withIn = args.Take("--in", &inPath);
     bool withOutSize = args.Take("--out-size", &outSizeText);
     bool toFile = args.Take("--out", &outPath);
     int rc;
-    if (!Expect(args, "devmode convert", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
 
     ConvertMode mode = {nullptr, 0, sizeof(DEVMODEEX)};
@@ -291,14 +291,14 @@ int DevmodeConvert(Args& args, const Options& options)
     if (!mode.name) {
         // Any other number reaches the driver as it stands, to see how it refuses it.
         if (!ParseNumber(modeText, 0, 0xFFFFFFFFll, &number))
-            return UsageError(FindCommand("devmode convert"),
+            return UsageError(args.Called(),
                               "--mode takes convert, convert351, default or a number, not '" +
                                   modeText + "'");
         mode.fMode = DWORD(number);
     }
     long long outSize = mode.defaultOutSize;
     if (withOutSize && !ParseNumber(outSizeText, 0, kMaxBuffer, &outSize))
-        return UsageError(FindCommand("devmode convert"),
+        return UsageError(args.Called(),
                           "--out-size takes a number of bytes from 0 to " +
                               std::to_string(kMaxBuffer) + ", not '" + outSizeText + "'");
 
@@ -386,7 +386,7 @@ int DevmodeConvert(Args& args, const Options& options)
 int DevmodeRead(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "devmode read", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     std::vector<BYTE> record;
     std::string error;
@@ -399,7 +399,7 @@ int DevmodeRead(Args& args, const Options& options)
 int DevmodeStore(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "devmode store", 2, 2, &rc))
+    if (!Expect(args, 2, 2, &rc))
         return rc;
     std::vector<BYTE> record;
     std::string error;

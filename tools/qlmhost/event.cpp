@@ -42,11 +42,11 @@ int EventCommand(Args& args, const Options& options)
 {
     bool noUi = args.Flag("--no-ui");
     int rc;
-    if (!Expect(args, "event", 2, 2, &rc))
+    if (!Expect(args, 2, 2, &rc))
         return rc;
     INT event = 0;
     if (!ParseEvent(args.Rest()[1], &event))
-        return UsageError(FindCommand("event"), "unknown event '" + args.Rest()[1] + "'");
+        return UsageError(args.Called(), "unknown event '" + args.Rest()[1] + "'");
     DriverLibrary driver;
     std::string error;
     if (!driver.Load(options.driverLibrary, &error))

@@ -131,11 +131,11 @@ int ProbeCommand(Args& args, const Options& options)
 {
     std::string casePath, dialogsPath = options.testDialogs, error;
     if (!args.Take("--case", &casePath))
-        return UsageError(FindCommand("probe"), "--case names the script");
+        return UsageError(args.Called(), "--case names the script");
     args.Take("--dialogs", &dialogsPath);
     args.Flag("--dump"); // the controls are always shown
     int rc;
-    if (!Expect(args, "probe", 0, 0, &rc))
+    if (!Expect(args, 0, 0, &rc))
         return rc;
     std::string script;
     if (!ReadTextFile(casePath, &script))

@@ -116,7 +116,7 @@ int RefreshCommand(Args& args, const Options& options)
     std::string capture;
     bool fromFile = args.Take("--capture", &capture);
     int rc;
-    if (!Expect(args, "refresh", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     const std::string& name = args.Rest()[0];
     std::string absolute;
@@ -177,7 +177,7 @@ int RefreshCommand(Args& args, const Options& options)
 int PrinterStateCommand(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "printer state", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     const std::string& name = args.Rest()[0];
     OpenedPrinter printer(name);
@@ -206,7 +206,7 @@ int PrinterStateCommand(Args& args, const Options& options)
 int ParseCommand(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "parse", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     const std::string& path = args.Rest()[0];
     std::ifstream file(path, std::ios::binary);

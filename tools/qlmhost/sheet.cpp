@@ -97,10 +97,10 @@ int SheetCommand(Args& args, const Options& options)
     const bool hasScript = args.Take("--script", &scriptPath);
     const bool hasCase = args.Take("--case", &casePath);
     int rc;
-    if (!Expect(args, "sheet", hasCase ? 0 : 1, 1, &rc))
+    if (!Expect(args, hasCase ? 0 : 1, 1, &rc))
         return rc;
     if (hasCase && hasScript)
-        return UsageError(FindCommand("sheet"), "--case brings its own script");
+        return UsageError(args.Called(), "--case brings its own script");
     std::string script, error;
     if ((hasScript || hasCase) && !ReadTextFile(hasCase ? casePath : scriptPath, &script))
         return Fail("cannot read the script '" + (hasCase ? casePath : scriptPath) + "'");
@@ -117,7 +117,7 @@ int SheetCommand(Args& args, const Options& options)
     }
     DWORD fMode = DM_IN_PROMPT | DM_IN_BUFFER | DM_OUT_BUFFER;
     if (hasMode && !ParseMode(modeText, &fMode))
-        return UsageError(FindCommand("sheet"),
+        return UsageError(args.Called(),
                           "--mode takes a number or DM_ names, not '" + modeText + "'");
     std::vector<uint8_t> input;
     if (hasIn && !ReadRecordFile(inPath, &input, &error))

@@ -214,10 +214,10 @@ int InstallCommand(Args& args, const Options&)
 {
     std::string infPath, queuesPath, error;
     if (!args.Take("--inf", &infPath))
-        return UsageError(FindCommand("install"), "--inf names the driver's INF");
+        return UsageError(args.Called(), "--inf names the driver's INF");
     const bool hasQueues = args.Take("--queues", &queuesPath);
     int rc;
-    if (!Expect(args, "install", 0, 0, &rc))
+    if (!Expect(args, 0, 0, &rc))
         return rc;
     DriverPackage package;
     if (!ReadInf(infPath, &package, &error))
@@ -245,7 +245,7 @@ int InstallCommand(Args& args, const Options&)
 int PortAddCommand(Args& args, const Options&)
 {
     int rc;
-    if (!Expect(args, "port add", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     std::string error;
     if (!RegisterNetworkMonitor(&error))

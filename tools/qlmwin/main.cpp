@@ -12,7 +12,9 @@
 
 const char* const g_pszToolName = "qlmwin";
 
-const Command g_Commands[] = {
+namespace {
+
+const Command kCommands[] = {
     {"install", "--inf FILE [--queues FILE]",
      "Installs the driver from its INF and creates the queues of a list.", InstallCommand,
      "The INF's models and files are read through setupapi; the driver is added with\n"
@@ -32,16 +34,15 @@ const Command g_Commands[] = {
     g_ProbeCommand,
     g_BenchCommand,
 };
-const size_t g_cCommands = sizeof(g_Commands) / sizeof(g_Commands[0]);
-
-namespace {
+const CommandTable kTable = {kCommands, sizeof(kCommands) / sizeof(kCommands[0])};
 
 void PrintHelp()
 {
     PrintUsage("usage: qlmwin [--driver-lib PATH] [--counts] COMMAND ... [--json]\n\n"
                "The driver library is the installed QLMUIDrv.dll unless --driver-lib names one.\n"
                "--counts writes to standard error, after the command, how many spooler and\n"
-               "registry calls the driver library made during it, by name.\n");
+               "registry calls the driver library made during it, by name.\n",
+               kTable);
 }
 
 // The configuration file the spooler loads: ...\spool\drivers\x64\3\QLMUIDrv.dll.
@@ -77,6 +78,7 @@ int wmain(int argc, wchar_t** argv)
     for (int i = 1; i < argc; ++i)
         words.push_back(Narrow(argv[i]));
     Options options;
+    options.commands = kTable;
     bool counts = false;
     size_t i = 0;
     for (; i < words.size() && words[i].rfind("--", 0) == 0 && !IsHelp(words[i]); i++) {
@@ -95,10 +97,10 @@ int wmain(int argc, wchar_t** argv)
         options.driverLibrary = InstalledDriverLibrary();
     options.testDialogs = Beside("testdialogs.dll");
     size_t used = 0;
-    const Command* command = MatchCommand(words, i, &used);
+    const Command* command = MatchCommand(kTable, words, i, &used);
     if (!command)
         return GlobalUsageError("unknown command '" + words[i] + "'");
-    Args args(std::vector<std::string>(words.begin() + i + used, words.end()));
+    Args args(std::vector<std::string>(words.begin() + i + used, words.end()), *command);
     if (args.Flag("--help") || args.Flag("-h")) {
         PrintCommandHelp(*command);
         return 0;

@@ -1,3 +1,4 @@
+// The spooler's and the registry's state as qlmhost keeps it, and the driver's immediate answers.
 #include "commands.h"
 
 #include "driverlib.h"
@@ -170,12 +171,14 @@ std::string InstalledResourcesName()
     return U(host::DriverDirectory() + u"\\3\\" + kResourceFile);
 }
 
+} // namespace
+
 int DriverInstall(Args& args, const Options&)
 {
     std::string given;
     args.Take("--resources", &given);
     int rc;
-    if (!Expect(args, "driver install", 0, 0, &rc))
+    if (!Expect(args, 0, 0, &rc))
         return rc;
     std::string source = ResourcesSource(given), error;
     if (!InstallResources(source, &error))
@@ -192,10 +195,10 @@ int PrinterAdd(Args& args, const Options& options)
     host::PrinterRecord printer;
     std::string driver, port;
     if (!args.Take("--driver", &driver))
-        return UsageError(FindCommand("printer add"), "--driver is required");
+        return UsageError(args.Called(), "--driver is required");
     args.Take("--port", &port);
     int rc;
-    if (!Expect(args, "printer add", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     printer.name = W(args.Rest()[0]);
     printer.driverName = W(driver);
@@ -229,7 +232,7 @@ int PrinterAdd(Args& args, const Options& options)
 int PrinterRemove(Args& args, const Options&)
 {
     int rc;
-    if (!Expect(args, "printer remove", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     if (!host::RemovePrinter(W(args.Rest()[0])))
         return Fail("no printer named '" + args.Rest()[0] + "'");
@@ -240,7 +243,7 @@ int PrinterRemove(Args& args, const Options&)
 int PrinterList(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "printer list", 0, 0, &rc))
+    if (!Expect(args, 0, 0, &rc))
         return rc;
     std::vector<host::PrinterRecord> printers = host::ListPrinters();
     if (options.json) {
@@ -274,10 +277,10 @@ int PortAdd(Args& args, const Options&)
     host::PortRecord port;
     std::string monitor, description;
     if (!args.Take("--monitor", &monitor))
-        return UsageError(FindCommand("port add"), "--monitor is required");
+        return UsageError(args.Called(), "--monitor is required");
     args.Take("--description", &description);
     int rc;
-    if (!Expect(args, "port add", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     port.name = W(args.Rest()[0]);
     port.monitorName = W(monitor);
@@ -293,7 +296,7 @@ int PortAdd(Args& args, const Options&)
 int PortList(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "port list", 0, 0, &rc))
+    if (!Expect(args, 0, 0, &rc))
         return rc;
     std::vector<host::PortRecord> ports = host::ListPorts();
     if (options.json) {
@@ -326,9 +329,9 @@ int DataSet(Args& args, const Options&)
     DWORD type = REG_NONE;
     std::vector<uint8_t> data;
     if (!TakeValue(args, &type, &data, &error))
-        return UsageError(FindCommand("data set"), error);
+        return UsageError(args.Called(), error);
     int rc;
-    if (!Expect(args, "data set", 2, 2, &rc))
+    if (!Expect(args, 2, 2, &rc))
         return rc;
     OpenedPrinter printer(args.Rest()[0]);
     if (!printer.get())
@@ -346,7 +349,7 @@ int DataGet(Args& args, const Options& options)
     std::string key = "PrinterDriverData";
     args.Take("--key", &key);
     int rc;
-    if (!Expect(args, "data get", 2, 2, &rc))
+    if (!Expect(args, 2, 2, &rc))
         return rc;
     OpenedPrinter printer(args.Rest()[0]);
     if (!printer.get())
@@ -367,6 +370,8 @@ int DataGet(Args& args, const Options& options)
 }
 
 // ---- registry, through the registry's own calls -------------------------------------------
+
+namespace {
 
 bool SplitKey(const std::string& path, HKEY* root, std::u16string* subKey)
 {
@@ -389,15 +394,17 @@ bool SplitKey(const std::string& path, HKEY* root, std::u16string* subKey)
     return false;
 }
 
+} // namespace
+
 int RegSet(Args& args, const Options&)
 {
     DWORD type = REG_NONE;
     std::vector<uint8_t> data;
     std::string error;
     if (!TakeValue(args, &type, &data, &error))
-        return UsageError(FindCommand("reg set"), error);
+        return UsageError(args.Called(), error);
     int rc;
-    if (!Expect(args, "reg set", 2, 2, &rc))
+    if (!Expect(args, 2, 2, &rc))
         return rc;
     HKEY root;
     std::u16string subKey;
@@ -420,7 +427,7 @@ int RegSet(Args& args, const Options&)
 int RegGet(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "reg get", 2, 2, &rc))
+    if (!Expect(args, 2, 2, &rc))
         return rc;
     HKEY root;
     std::u16string subKey;
@@ -447,7 +454,7 @@ int RegGet(Args& args, const Options& options)
 int RegDelete(Args& args, const Options&)
 {
     int rc;
-    if (!Expect(args, "reg delete", 1, 1, &rc))
+    if (!Expect(args, 1, 1, &rc))
         return rc;
     HKEY root;
     std::u16string subKey;
@@ -465,7 +472,7 @@ int RegDelete(Args& args, const Options&)
 int DriverAnswers(Args& args, const Options& options)
 {
     int rc;
-    if (!Expect(args, "driver", 0, 1, &rc))
+    if (!Expect(args, 0, 1, &rc))
         return rc;
     DriverLibrary driver;
     std::string error;
@@ -523,71 +530,3 @@ int DriverAnswers(Args& args, const Options& options)
                (std::string("DOCUMENTEVENT_") + kEvents[e]).c_str(), events[e]);
     return 0;
 }
-
-} // namespace
-
-const Command g_Commands[] = {
-    {"printer add", "NAME --driver DRIVER [--port PORT]",
-     "Adds a queue of the driver; installs the driver's resources when they are missing.",
-     PrinterAdd,
-     "DRIVER is the model's driver name, such as \"Tarvo Plan Output System 2440\". The\n"
-     "  resource library comes from $QLMHOST_RESOURCES, else from this build."},
-    {"printer remove", "NAME", "Removes a queue and its printer data.", PrinterRemove},
-    {"printer list", "[--json]", "Lists the queues.", PrinterList},
-    {"port add", "NAME --monitor MONITOR [--description TEXT]",
-     "Adds a port of a monitor, such as \"TCPMON.DLL\" or \"Local Port\".", PortAdd},
-    {"port list", "[--json]", "Lists the ports and their monitors.", PortList},
-    {"data set", "PRINTER VALUE (--dword N | --string S | --binary HEX) [--key KEY]",
-     "Sets a printer data value (key PrinterDriverData unless given).", DataSet},
-    {"data get", "PRINTER VALUE [--key KEY] [--json]", "Shows a printer data value.", DataGet},
-    {"reg set", "KEY VALUE (--dword N | --string S | --binary HEX)",
-     "Sets a registry value; KEY starts with HKCU\\ or HKLM\\.", RegSet},
-    {"reg get", "KEY VALUE [--json]", "Shows a registry value.", RegGet},
-    {"reg delete", "KEY", "Deletes a registry key that has no subkeys.", RegDelete},
-    {"driver", "[PRINTER] [--json]", "Loads the driver library and shows its immediate answers.",
-     DriverAnswers},
-    {"driver install", "[--resources FILE]",
-     "Installs the resource library QLMRes.DLL where the driver loads it from.", DriverInstall,
-     "The file goes to <printer driver directory>\\3\\QLMRes.DLL under the home directory.\n"
-     "  FILE defaults to $QLMHOST_RESOURCES, else to the QLMRes.DLL of this build."},
-    g_CapsCommand,
-    {"event", "PRINTER initialize|delete|delete-connection|NUMBER [--no-ui] [--json]",
-     "Tells the driver of a queue's life as the spooler does (DrvPrinterEvent).", EventCommand,
-     "initialize fills the queue's stored record from its printer (over the port's address,\n"
-     "  TCP port 2000); delete and delete-connection remove the queue's per-user key. Other\n"
-     "  events, by name (add-connection, cache-refresh, cache-delete, attributes-changed) or\n"
-     "  number, are answered without action. Exit 0 when the driver answers TRUE."},
-    {"refresh", "PRINTER [--capture FILE] [--json]",
-     "Asks the queue's printer what it is and stores the answer in the queue's record.",
-     RefreshCommand,
-     "The driver's refresh runs on the queue's stored record: the port's address, TCP port\n"
-     "  2000, six PJL queries; the record is stored again and what the printer said is shown.\n"
-     "  When no address answers, the driver shows its address dialog; the global --address TEXT\n"
-     "  answers it (typed, then OK) once, and a dialog that comes again is cancelled.\n"
-     "  --capture FILE reads the six replies from FILE instead of the printer: the driver's\n"
-     "  debug switch DBG_BidiFromFile is on for the run and FILE is picked in the open dialog.\n"
-     "  Exit 1, the record unchanged, when no printer answers or a question is cancelled."},
-    {"parse", "FILE [--json]", "Shows the PJL tokens the driver's parser finds in a capture.",
-     ParseCommand,
-     "FILE is read as the refresh reads a capture: its first 32768 bytes. Each token shows its\n"
-     "  name, code and value; text values show their line, roll values their name."},
-    {"printer state", "PRINTER [--json]",
-     "Shows what the queue's record holds of its printer: rolls, firmware, fonts, finisher.",
-     PrinterStateCommand},
-    g_SheetCommand,
-    g_BatchCommand,
-    g_ProbeCommand,
-    g_BenchCommand,
-    {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
-     DevmodeLayout},
-    {"devmode new", "PRINTER [--json]",
-     "Shows the record a fresh settings object holds for the queue: the defaults, the port test.",
-     DevmodeNew},
-    g_DevmodeShowCommand,
-    {"devmode store", "PRINTER FILE",
-     "Stores a record file as the queue's record (SetPrinter level 2).", DevmodeStore},
-    {"devmode read", "FILE [--json]", "Shows a record file field by field.", DevmodeRead},
-    g_DevmodeDefaultCommand,
-    g_DevmodeConvertCommand,
-};
-const size_t g_cCommands = sizeof(g_Commands) / sizeof(g_Commands[0]);
