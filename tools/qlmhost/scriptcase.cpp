@@ -3,6 +3,8 @@
 
 #include "records.h"
 
+#include <cctype>
+#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
@@ -23,6 +25,37 @@ void SplitDirective(const std::string& line, std::string* word, std::string* res
     size_t space = text.find_first_of(" \t");
     *word = text.substr(0, space);
     *rest = space == std::string::npos ? "" : Trim(text.substr(space + 1));
+}
+
+// "NAME dword N" or "NAME binary [HEX]".
+bool ParseDataValue(const std::string& rest, CaseDataValue* value, std::string* why)
+{
+    std::istringstream words(rest);
+    std::string kind, text, extra;
+    words >> value->name >> kind >> text >> extra;
+    if (kind == "dword" && !text.empty() && extra.empty()) {
+        char* end = nullptr;
+        unsigned long long n = strtoull(text.c_str(), &end, 0);
+        if (*end == 0 && n <= 0xFFFFFFFFull) {
+            value->dword = true;
+            for (int i = 0; i < 4; i++)
+                value->bytes.push_back(static_cast<unsigned char>(n >> (8 * i)));
+            return true;
+        }
+    } else if (kind == "binary" && extra.empty() && text.size() % 2 == 0) {
+        for (size_t i = 0; i < text.size(); i += 2) {
+            char* end = nullptr;
+            const std::string pair = text.substr(i, 2);
+            unsigned long byte = strtoul(pair.c_str(), &end, 16);
+            if (*end != 0 || !isxdigit(static_cast<unsigned char>(pair[0])))
+                break;
+            value->bytes.push_back(static_cast<unsigned char>(byte));
+        }
+        if (value->bytes.size() * 2 == text.size())
+            return true;
+    }
+    *why = "a printer data value is NAME dword N or NAME binary HEX, not '" + rest + "'";
+    return false;
 }
 
 bool ParseDirective(const std::string& word, const std::string& rest, ScriptCase* c,
@@ -51,6 +84,11 @@ bool ParseDirective(const std::string& word, const std::string& rest, ScriptCase
         (word == "set" ? c->set : c->record)
             .emplace_back(rest.substr(0, space),
                           space == std::string::npos ? "" : Trim(rest.substr(space + 1)));
+    } else if (word == "data" || word == "stored") {
+        CaseDataValue value;
+        if (!ParseDataValue(rest, &value, why))
+            return false;
+        (word == "data" ? c->data : c->stored).push_back(value);
     } else if (word == "pjlsim") {
         c->pjlsim = rest;
     } else if (word == "wine-skip" && !rest.empty()) {
@@ -100,4 +138,23 @@ std::vector<std::string> CheckScriptCase(const ScriptCase& scriptCase, long long
         }
     }
     return failures;
+}
+
+std::string CaseDataText(bool dword, const std::vector<unsigned char>& bytes)
+{
+    if (dword && bytes.size() == 4) {
+        unsigned long n = 0;
+        for (int i = 3; i >= 0; i--)
+            n = (n << 8) | bytes[static_cast<size_t>(i)];
+        return "dword " + std::to_string(n);
+    }
+    std::string text = "binary";
+    if (!bytes.empty())
+        text += ' ';
+    for (unsigned char b : bytes) {
+        char hex[3];
+        snprintf(hex, sizeof(hex), "%02x", b);
+        text += hex;
+    }
+    return text;
 }

@@ -13,6 +13,9 @@
 //   #: pjlsim [PROFILE]   the printer answers: a simulated plotter (the built-in profile, or
 //                         a profile file) on the address of its port IP_a.b.c.d while the
 //                         case runs; the Linux host only
+//   #: data NAME VALUE    a value of the queue's printer data (PrinterDriverData) before the
+//                         sheet opens; VALUE is "dword N" or "binary HEX" (no HEX: empty)
+//   #: stored NAME VALUE  the printer data value the sheet leaves, in the same words
 //   #: wine-skip REASON   a defect of Wine's, written down in docs/wine.md: not run there
 #pragma once
 
@@ -20,6 +23,14 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+// A printer data value of a case: a DWORD (REG_DWORD) or bytes (REG_BINARY).
+struct CaseDataValue
+{
+    std::string name;
+    bool dword = false;
+    std::vector<unsigned char> bytes; // a DWORD's four, little-endian
+};
 
 struct ScriptCase
 {
@@ -29,6 +40,8 @@ struct ScriptCase
     std::optional<long long> result;
     std::vector<std::pair<std::string, std::string>> set;
     std::vector<std::pair<std::string, std::string>> record;
+    std::vector<CaseDataValue> data;
+    std::vector<CaseDataValue> stored;
     std::optional<std::string> pjlsim; // the profile file; empty for the built-in one
     std::string wineSkip;
 };
@@ -41,3 +54,6 @@ bool ParseScriptCase(const std::string& script, ScriptCase* scriptCase, std::str
 // when the caller got none.
 std::vector<std::string> CheckScriptCase(const ScriptCase& scriptCase, long long result,
                                          const unsigned char* record, size_t cb);
+
+// A value as "#: data" and "#: stored" write it: "dword 64", "binary 0a0b", "binary".
+std::string CaseDataText(bool dword, const std::vector<unsigned char>& bytes);

@@ -85,6 +85,51 @@ bool CaseRecord(HANDLE hPrinter, const ScriptCase& scriptCase, std::vector<uint8
     return true;
 }
 
+// The case's "#: data" values into the queue's printer data, as a user's earlier sessions left
+// them.
+bool WriteCaseData(HANDLE hPrinter, const ScriptCase& scriptCase, std::string* error)
+{
+    for (const CaseDataValue& value : scriptCase.data) {
+        std::u16string name = W(value.name);
+        std::vector<BYTE> bytes(value.bytes.begin(), value.bytes.end());
+        DWORD rc = SetPrinterDataW(hPrinter, reinterpret_cast<LPWSTR>(name.data()),
+                                   value.dword ? REG_DWORD : REG_BINARY, bytes.data(),
+                                   static_cast<DWORD>(bytes.size()));
+        if (rc != ERROR_SUCCESS) {
+            *error = "cannot set the printer data " + value.name + ": " + Win32Error(rc);
+            return false;
+        }
+    }
+    return true;
+}
+
+// What the "#: stored" lines break: each value as the sheet left it, in the case's words.
+void CheckCaseData(HANDLE hPrinter, const ScriptCase& scriptCase, const std::string& casePath,
+                   std::vector<std::string>* failures)
+{
+    for (const CaseDataValue& want : scriptCase.stored) {
+        std::u16string name = W(want.name);
+        DWORD type = 0, cbNeeded = 0;
+        DWORD rc = GetPrinterDataW(hPrinter, reinterpret_cast<LPWSTR>(name.data()), &type, nullptr,
+                                   0, &cbNeeded);
+        std::vector<BYTE> bytes(cbNeeded);
+        if (rc == ERROR_MORE_DATA || rc == ERROR_SUCCESS)
+            rc = GetPrinterDataW(hPrinter, reinterpret_cast<LPWSTR>(name.data()), &type,
+                                 bytes.empty() ? nullptr : bytes.data(), cbNeeded, &cbNeeded);
+        const std::string wanted = CaseDataText(want.dword, want.bytes);
+        if (rc != ERROR_SUCCESS) {
+            failures->push_back(casePath + ": printer data " + want.name + " is not there (" +
+                                Win32Error(rc) + "), not " + wanted);
+            continue;
+        }
+        const std::string have =
+            CaseDataText(type == REG_DWORD, std::vector<unsigned char>(bytes.begin(), bytes.end()));
+        if (have != wanted)
+            failures->push_back(casePath + ": printer data " + want.name + " is " + have +
+                                ", not " + wanted);
+    }
+}
+
 } // namespace
 
 int SheetCommand(Args& args, const Options& options)
@@ -145,6 +190,8 @@ int SheetCommand(Args& args, const Options& options)
         return Fail("no printer named '" + name + "'");
     if (!scriptCase.set.empty() && !CaseRecord(printer.get(), scriptCase, &input, &error))
         return Fail(casePath + ": " + error);
+    if (!WriteCaseData(printer.get(), scriptCase, &error))
+        return Fail(casePath + ": " + error);
 
     GuardedBuffer out(sizeof(DEVMODEEX));
     DOCUMENTPROPERTYHEADER document = {};
@@ -184,6 +231,7 @@ int SheetCommand(Args& args, const Options& options)
         for (const std::string& f : CheckScriptCase(
                  scriptCase, result, record.empty() ? nullptr : record.data(), record.size()))
             run.failures.push_back(casePath + ": " + f);
+        CheckCaseData(printer.get(), scriptCase, casePath, &run.failures);
     }
 
     if (options.json) {
@@ -247,5 +295,6 @@ extern const Command g_SheetCommand = {
     "  --case runs a script case: its lines \"#: printer NAME\", \"#: sheet device\",\n"
     "  \"#: mode FLAGS\" choose the sheet, \"#: pjlsim [PROFILE]\" makes its printer answer\n"
     "  (a simulated plotter at its port's address, Linux only), \"#: set FIELD TEXT\" sets a\n"
-    "  field of the queue's record given as pdmIn, and \"#: result N\", \"#: record FIELD TEXT\"\n"
+    "  field of the queue's record given as pdmIn, \"#: data NAME dword N|binary HEX\" a printer\n"
+    "  data value, and \"#: result N\", \"#: record FIELD TEXT\", \"#: stored NAME VALUE\"\n"
     "  say what must come out; what does not is a failure."};
