@@ -50,6 +50,14 @@ void TVOTab::OnDMChange()
         SetModified(FALSE);
 }
 
+void TVOTab::RefillControls()
+{
+    const BOOL bTrack = m_bTrackChanges;
+    m_bTrackChanges = 0;
+    SetControlsFromDM();
+    m_bTrackChanges = bTrack;
+}
+
 BOOL TVOTab::OnSetActive()
 {
     QLM_TRACE_SCOPE(TEXT("TVOTab::OnSetActive"), g_bTraceTVOTab);
@@ -60,13 +68,13 @@ BOOL TVOTab::OnSetActive()
         SendDlgItemMessageW(m_hWnd, IDC_LOGO, STM_SETIMAGE, IMAGE_BITMAP,
                             reinterpret_cast<LPARAM>(m_hLogoBitmap));
     }
-    // Filling the controls sets off their handlers; none of that is a change of the user's.
-    const BOOL bTrack = m_bTrackChanges;
-    m_bTrackChanges = 0;
-    SetControlsFromDM();
-    if (getModified())
+    RefillControls();
+    if (getModified()) {
+        const BOOL bTrack = m_bTrackChanges;
+        m_bTrackChanges = 0;
         BroadcastDMChange(FALSE);
-    m_bTrackChanges = bTrack;
+        m_bTrackChanges = bTrack;
+    }
     if (m_pConfig)
         m_pConfig->SetLastActiveTab(static_cast<DWORD>(m_iResourceID));
     return 1;

@@ -18,6 +18,9 @@ public:
 
     // Lights (or clears) the sheet's Apply button, while changes are tracked.
     void SetModified(BOOL bModified);
+    // SetControlsFromDM with change tracking off: the handlers that the filling sets off see
+    // the record's own values, which are no change of the user's.
+    void RefillControls();
     // Carries the edited record out of the tabs. The argument is not read.
     void BroadcastDMChange(BOOL bApply);
     // PSN_RESET, PSN_APPLY and PSN_SETACTIVE; anything else goes to DefWindowProcW.

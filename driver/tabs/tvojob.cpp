@@ -254,7 +254,8 @@ void TVOJobTab::SetPrinterDefaults()
     m_pDM->dmxMismatch = 0;
     m_pDM->dmxPriority = kPRIORITY_DEFAULT;
     m_pDM->dmxSinglePageJob = 0;
-    SetControlsFromDM();
+    // The priority's refill raises its EN_CHANGE; the Apply button stays as it was.
+    RefillControls();
     SetFocus(m_hWnd);
 }
 
