@@ -105,7 +105,7 @@ BOOL TVODeviceTab::OnInitDialog()
     if (m_pDM->dmxFirmwareRevision < 1)
         m_pDM->dmxAccountingMode = kACCOUNTING_UNAVAILABLE;
     // The edit holds no more of a typed owner than the record keeps.
-    SendDlgItemMessageW(m_hWnd, IDC_DEVICE_OWNER, EM_LIMITTEXT, kOWNER_CCH, 0);
+    SendDlgItemMessageW(m_hWnd, IDC_DEVICE_OWNER, EM_LIMITTEXT, kOWNER_CCH - 1, 0);
     SetControlsFromDM();
     SetModified(FALSE);
     return 1;
@@ -235,8 +235,9 @@ void TVODeviceTab::SetOwnerControls()
     Check(m_hWnd, IDC_DEVICE_OWNER_TYPED, FALSE);
     const BOOL bTyped = m_pDM->dmxUserSpecifiedOwner != 0;
     Check(m_hWnd, bTyped ? IDC_DEVICE_OWNER_TYPED : IDC_DEVICE_OWNER_LOGIN, TRUE);
-    WCHAR owner[kOWNER_CCH + 1] = {};
-    WstrNCopy(owner, m_pDM->dmxOwner, kOWNER_CCH);
+    // A record from elsewhere may fill the field to its end; the edit shows what it can hold.
+    WCHAR owner[kOWNER_CCH] = {};
+    WstrNCopy(owner, m_pDM->dmxOwner, kOWNER_CCH - 1);
     SetDlgItemTextW(m_hWnd, IDC_DEVICE_OWNER, owner);
     EnableControl(IDC_DEVICE_OWNER, bTyped);
 }
@@ -465,8 +466,9 @@ void TVODeviceTab::OnCommand(int id, int code)
         break;
     case IDC_DEVICE_OWNER:
         if (m_pDM->dmxUserSpecifiedOwner && code == EN_CHANGE) {
-            WCHAR owner[kOWNER_CCH + 1] = {};
-            GetDlgItemTextW(m_hWnd, IDC_DEVICE_OWNER, owner, kOWNER_CCH + 1);
+            // At most 63 characters and their terminator, which the field always keeps.
+            WCHAR owner[kOWNER_CCH] = {};
+            GetDlgItemTextW(m_hWnd, IDC_DEVICE_OWNER, owner, kOWNER_CCH);
             if (WstrNCmp(owner, m_pDM->dmxOwner, kOWNER_CCH) != 0) {
                 WstrNCopy(m_pDM->dmxOwner, owner, kOWNER_CCH);
                 SetModified(TRUE);

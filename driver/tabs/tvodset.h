@@ -53,5 +53,5 @@ public:
     DWORD m_iSavedAccountingMode;
 };
 
-// The characters of dmxOwner; a name that fills the field has no terminator.
+// The characters of dmxOwner: a name of up to 63 and its terminator.
 constexpr int kOWNER_CCH = 64;
