@@ -70,11 +70,9 @@ void TVOPrinterConfiguration::setUserForms(QLMPrinterSnapshot& snapshot)
     DWORD cbNeeded = 0;
     snapshot.GetData(QLM_DRIVER_DATA_KEY, kUserFormCount, &dwType,
                      reinterpret_cast<LPBYTE>(&dwStored), sizeof(dwStored), &cbNeeded);
-    // Only this code writes forms, never more than 64: a larger stored count is damage, and
-    // emptying up to it would cost one store write for each of up to 65535 values.
-    int oldCount = LOWORD(dwStored);
-    if (oldCount > kMAX_USER_FORMS)
-        oldCount = kMAX_USER_FORMS;
+    // Every value up to the old count's low word is emptied, however large: after one close the
+    // stored count is the new one, so the long write happens once.
+    const int oldCount = LOWORD(dwStored);
 
     if (m_UserFormCount > kMAX_USER_FORMS)
         m_UserFormCount = kMAX_USER_FORMS;
