@@ -12,7 +12,7 @@
 #include <cstring>
 #include <new>
 
-LONG TVOPrinterConfiguration::s_nInstances = 0;
+thread_local constinit LONG TVOPrinterConfiguration::s_nInstances = 0;
 
 using namespace tvoconfglists;
 

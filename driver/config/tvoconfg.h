@@ -112,8 +112,8 @@ public:
     // case dm is untouched. Counts beyond the block's room are cut to it.
     DWORD addFInisherFromFileToDevmode(LPCWSTR fileName, DEVMODEEX* dm);
 
-    // Objects made and released, for the trace.
-    static LONG s_nInstances;
+    // Objects made and released on the calling thread, for the trace.
+    static thread_local constinit LONG s_nInstances;
 
     DWORD m_PrinterModel;
     BOOL m_bHasPermission;

@@ -10,10 +10,10 @@
 #include <initializer_list>
 #include <new>
 
-LONG TVODevMode::s_nViewConstructed = 0;
-LONG TVODevMode::s_nDefaultConstructed = 0;
-LONG TVODevMode::s_nPrinterConstructed = 0;
-LONG TVODevMode::s_nDestructed = 0;
+thread_local constinit LONG TVODevMode::s_nViewConstructed = 0;
+thread_local constinit LONG TVODevMode::s_nDefaultConstructed = 0;
+thread_local constinit LONG TVODevMode::s_nPrinterConstructed = 0;
+thread_local constinit LONG TVODevMode::s_nDestructed = 0;
 
 namespace {
 

@@ -78,12 +78,12 @@ public:
     // Rolls 1 to 6 and manual feed stand; anything else becomes automatic.
     static short convertDMDefaultSource(short code);
 
-    // How many objects each constructor made and the destructor released, for the trace at a
-    // sheet's teardown.
-    static LONG s_nViewConstructed;
-    static LONG s_nDefaultConstructed;
-    static LONG s_nPrinterConstructed;
-    static LONG s_nDestructed;
+    // How many objects each constructor made and the destructor released on the calling thread,
+    // for the trace at a sheet's teardown.
+    static thread_local constinit LONG s_nViewConstructed;
+    static thread_local constinit LONG s_nDefaultConstructed;
+    static thread_local constinit LONG s_nPrinterConstructed;
+    static thread_local constinit LONG s_nDestructed;
 
     DEVMODEEX* m_lpDM;
     BOOL m_bOwnDM;

@@ -11,9 +11,10 @@
 
 namespace {
 
-char s_szPortName[kQLM_PORT_CB];
-WCHAR s_szPortNameU[kQLM_PORT_CB];
-char s_szAddress[kQLM_ADDRESS_CB];
+// The text results, one set per thread: the spooler's threads ask for different queues at once.
+thread_local char s_szPortName[kQLM_PORT_CB];
+thread_local WCHAR s_szPortNameU[kQLM_PORT_CB];
+thread_local char s_szAddress[kQLM_ADDRESS_CB];
 
 // "QLMMapPort:" and a port name.
 constexpr size_t kVALUE_NAME_CCH = 11 + MAX_PATH;

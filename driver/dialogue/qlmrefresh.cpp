@@ -38,6 +38,8 @@ BOOL AskFileDefault(HWND hwnd, WCHAR* path, DWORD cchPath)
     return GetOpenFileNameW(&ofn);
 }
 
+// Installed at load (the address dialog) or by a host before its calls, and only read by the
+// refreshes: one for the process.
 QLMRefreshQuestions g_questions = {AskAddressCancel, AskFileDefault};
 
 template <typename C> void CopyCut(C* out, const C* in, size_t cchOut)

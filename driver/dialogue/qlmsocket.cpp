@@ -15,9 +15,10 @@ constexpr char kFORMFEED = 12;
 constexpr DWORD kERROR_TEXT_CCH = 1024;
 constexpr size_t kNAME_CCH = 32;
 
-WCHAR s_szErrorText[kERROR_TEXT_CCH];
-WCHAR s_szSocketTypeName[kNAME_CCH];
-WCHAR s_szAddressFamilyName[kNAME_CCH];
+// The text results, one set per thread, as refreshes may run on several threads at once.
+thread_local WCHAR s_szErrorText[kERROR_TEXT_CCH];
+thread_local WCHAR s_szSocketTypeName[kNAME_CCH];
+thread_local WCHAR s_szAddressFamilyName[kNAME_CCH];
 
 struct NameRow
 {

@@ -95,7 +95,7 @@ BOOL TVONTUIDriver::DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEV
         return FALSE;
     }
     if (fMode != CDM_DRIVER_DEFAULT) {
-        static bool s_bReported = false;
+        static thread_local bool s_bReported = false;
         if (!s_bReported) {
             s_bReported = true;
             Assert(QLM_WIDEN(__FILE__), __LINE__,

@@ -5,19 +5,19 @@
 
 #include <cstdlib>
 
-BOOL g_bTraceQLMUtils = 0;
-BOOL g_bTraceQLMPrinterFunctions = 0;
-BOOL g_bTraceQLMRegistryFunctions = 0;
-BOOL g_bTraceParameters = 0;
-BOOL g_bLog = 0;
-BOOL g_bTrace = 1;
-BOOL g_bTraceFunctionEntry = 0;
-BOOL g_bIncludeProcess = 0;
-BOOL g_bAssertMsgBox = 0;
-BOOL g_bTraceASSERT = 0;
-BOOL g_bTraceQLMSocket = 0;
+thread_local constinit BOOL g_bTraceQLMUtils = 0;
+thread_local constinit BOOL g_bTraceQLMPrinterFunctions = 0;
+thread_local constinit BOOL g_bTraceQLMRegistryFunctions = 0;
+thread_local constinit BOOL g_bTraceParameters = 0;
+thread_local constinit BOOL g_bLog = 0;
+thread_local constinit BOOL g_bTrace = 1;
+thread_local constinit BOOL g_bTraceFunctionEntry = 0;
+thread_local constinit BOOL g_bIncludeProcess = 0;
+thread_local constinit BOOL g_bAssertMsgBox = 0;
+thread_local constinit BOOL g_bTraceASSERT = 0;
+thread_local constinit BOOL g_bTraceQLMSocket = 0;
 
-const TVODebugSwitch g_DebugSwitches[11] = {
+thread_local const TVODebugSwitch g_DebugSwitches[11] = {
     {&g_bTraceQLMUtils, TEXT("g_bTraceQLMUtils"),
      TEXT("Turns on tracing of all QLM utility functions")},
     {&g_bTraceQLMPrinterFunctions, TEXT("g_bTraceQLMPrinterFunctions"),
@@ -39,12 +39,12 @@ const TVODebugSwitch g_DebugSwitches[11] = {
      TEXT("Turns on tracing of QLM Socket functions")},
 };
 
-#define QLM_DEFINE_TRACE_FLAG(name) BOOL g_bTrace##name = 0;
+#define QLM_DEFINE_TRACE_FLAG(name) thread_local constinit BOOL g_bTrace##name = 0;
 QLM_TRACE_FLAGS(QLM_DEFINE_TRACE_FLAG)
 #undef QLM_DEFINE_TRACE_FLAG
 
-BOOL g_bDontBeOptimized = 0;
-BOOL g_bToggleEMFSpooling = 0;
+thread_local constinit BOOL g_bDontBeOptimized = 0;
+thread_local constinit BOOL g_bToggleEMFSpooling = 0;
 
 // Shared with the rendering half, so it names flags that this library never tests.
 #define ROW(name)                                                                                  \
@@ -55,7 +55,7 @@ BOOL g_bToggleEMFSpooling = 0;
     {                                                                                              \
         &flag, TEXT(#name), 0                                                                      \
     }
-const TVOTraceFlag g_TraceFlags[] = {
+thread_local const TVOTraceFlag g_TraceFlags[] = {
     ROW(ALLTVOHPGL2),
     ROW(AllTVONTKMDriver),
     ROW(ALLTVORTL),
@@ -158,17 +158,16 @@ const TVOTraceFlag g_TraceFlags[] = {
     ROW(DeviceCapabilities),
     {nullptr, nullptr, 0},
 };
-static_assert(sizeof(g_TraceFlags) / sizeof(g_TraceFlags[0]) == kTRACE_FLAG_ROWS + 1,
-              "the switch table has 100 named rows and its end row");
 #undef ROW
 #undef ROW2
 
 namespace {
 
+// Set by DllMain at load, before any call, and only read after: one for the process.
 const WCHAR* s_pszModuleName = TEXT("QLMUIDrv");
-int s_nDepth = 0;
+thread_local constinit int s_nDepth = 0;
 // Set while the log file's own failure is traced, so that the line does not try the file again.
-bool s_bInLogFailure = false;
+thread_local constinit bool s_bInLogFailure = false;
 
 const WCHAR kLOG_FILE[] = TEXT("C:\\QLM_DEBUG.TXT");
 constexpr int kMAX_INDENT = 64;

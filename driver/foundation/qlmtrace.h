@@ -2,33 +2,35 @@
 //
 // Every traced function opens a flag scope and then a function scope (QLM_TRACE_SCOPE does
 // both). Trace lines go to OutputDebugStringW and, with g_bLog, to the log file. An assertion
-// reports and returns: the code after it must cope. The switches are plain globals read from
-// the printer data key "DebugSettings"; they are shared and unguarded by design.
+// reports and returns: the code after it must cope. The switches, read from the printer data
+// key "DebugSettings", and the scopes' state are per thread: the spooler calls in on many
+// threads at once, and one call's scopes must neither see nor change another's.
 #pragma once
 
 #include "../../platform/win32.h"
 
 // ---- The eleven global switches --------------------------------------------------------
-extern BOOL g_bTraceQLMUtils;
-extern BOOL g_bTraceQLMPrinterFunctions;
-extern BOOL g_bTraceQLMRegistryFunctions;
-extern BOOL g_bTraceParameters;
-extern BOOL g_bLog;
-extern BOOL g_bTrace;
-extern BOOL g_bTraceFunctionEntry;
-extern BOOL g_bIncludeProcess;
-extern BOOL g_bAssertMsgBox;
-extern BOOL g_bTraceASSERT;
-extern BOOL g_bTraceQLMSocket;
+extern thread_local constinit BOOL g_bTraceQLMUtils;
+extern thread_local constinit BOOL g_bTraceQLMPrinterFunctions;
+extern thread_local constinit BOOL g_bTraceQLMRegistryFunctions;
+extern thread_local constinit BOOL g_bTraceParameters;
+extern thread_local constinit BOOL g_bLog;
+extern thread_local constinit BOOL g_bTrace;
+extern thread_local constinit BOOL g_bTraceFunctionEntry;
+extern thread_local constinit BOOL g_bIncludeProcess;
+extern thread_local constinit BOOL g_bAssertMsgBox;
+extern thread_local constinit BOOL g_bTraceASSERT;
+extern thread_local constinit BOOL g_bTraceQLMSocket;
 
-// A documentation row for a global switch. Nothing reads this table at run time.
+// A documentation row for a global switch. Nothing reads this table at run time. Its rows
+// point at the calling thread's switches, so each thread has the table of its own.
 struct TVODebugSwitch
 {
     BOOL* pSwitch;
     const WCHAR* pszName;
     const WCHAR* pszDescription;
 };
-extern const TVODebugSwitch g_DebugSwitches[11];
+extern thread_local const TVODebugSwitch g_DebugSwitches[11];
 
 // ---- Module trace flags ------------------------------------------------------------------
 // One flag per name of the switch table. The _RENDER and _UI rows of a module share a flag;
@@ -57,14 +59,14 @@ extern const TVODebugSwitch g_DebugSwitches[11];
                                                                     X(DynamicMedia) X(InkLimit)    \
                                                                         X(DeviceCapabilities)
 
-#define QLM_DECLARE_TRACE_FLAG(name) extern BOOL g_bTrace##name;
+#define QLM_DECLARE_TRACE_FLAG(name) extern thread_local constinit BOOL g_bTrace##name;
 QLM_TRACE_FLAGS(QLM_DECLARE_TRACE_FLAG)
 #undef QLM_DECLARE_TRACE_FLAG
 
 // DontBeOptimized_RENDER and _UI; set by the switch table, tested by the rendering half.
-extern BOOL g_bDontBeOptimized;
+extern thread_local constinit BOOL g_bDontBeOptimized;
 // "DBG_Toggle_EMF_Spooling": read with the switches, tested by the rendering half.
-extern BOOL g_bToggleEMFSpooling;
+extern thread_local constinit BOOL g_bToggleEMFSpooling;
 
 // A row of the switch table: the flag, its name in "DebugSettings", a reserved word.
 struct TVOTraceFlag
@@ -73,15 +75,16 @@ struct TVOTraceFlag
     const WCHAR* pszName;
     DWORD dwReserved;
 };
-// 100 named rows, then a row with a null flag.
-extern const TVOTraceFlag g_TraceFlags[];
+// 100 named rows, then a row with a null flag. The flags are the calling thread's, as for the
+// switch table.
 constexpr int kTRACE_FLAG_ROWS = 100;
+extern thread_local const TVOTraceFlag g_TraceFlags[kTRACE_FLAG_ROWS + 1];
 
 // ---- Scopes ------------------------------------------------------------------------------
 constexpr int kTRACE_MAX_DEPTH = 20;
 constexpr int kTRACE_MAX_LINE = 255;
 
-// Sets g_bTrace to the module's flag word for the life of the scope.
+// Sets the thread's g_bTrace to the module's flag word for the life of the scope.
 class TVOTraceFlagScope
 {
 public:
@@ -94,7 +97,7 @@ private:
     BOOL m_bSavedTrace;
 };
 
-// Traces entry and exit of a function and keeps the indentation depth.
+// Traces entry and exit of a function and keeps the thread's indentation depth.
 class TVOTraceFunctionScope
 {
 public:
@@ -143,9 +146,10 @@ const WCHAR* TraceBOOL(BOOL b);
 // Hex and character dump of memory, 16 bytes a line.
 void TraceMemory(const void* p, DWORD cb, const WCHAR* pszTitle);
 
-// The module name that prefixes every line ("QLMUIDrv", set by DllMain).
+// The module name that prefixes every line ("QLMUIDrv", set by DllMain). One for the process:
+// it is set at load, before any call, and only read after.
 void SetTraceModuleName(const WCHAR* pszName);
 const WCHAR* GetTraceModuleName();
-// The current indentation depth, 0..kTRACE_MAX_DEPTH.
+// The calling thread's indentation depth, 0..kTRACE_MAX_DEPTH.
 int GetTraceDepth();
 

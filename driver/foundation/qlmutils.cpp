@@ -5,12 +5,14 @@
 #include "qlmtrace.h"
 #include "wstr.h"
 
+// Set by DllMain at load, before any call: one for the process.
 HINSTANCE g_hInstance = nullptr;
 
 namespace {
 
-WCHAR s_szPrinterName[kQLM_NAME_CCH];
-WCHAR s_szDriverName[kQLM_NAME_CCH];
+// The names' buffers are per thread: a spooler thread's name must not be another's queue.
+thread_local WCHAR s_szPrinterName[kQLM_NAME_CCH];
+thread_local WCHAR s_szDriverName[kQLM_NAME_CCH];
 
 BOOL TraceUtils()
 {

@@ -4,24 +4,14 @@
 #include "qlmtrace.h"
 #include "wstr.h"
 
-#include <clocale>
 #include <cmath>
 #include <cstdio>
-#include <string>
 
 namespace {
 
-// The one text buffer of the module, shared by operator char* (narrow) and toString (wide).
-// Unguarded like the other module buffers: callers copy the text at once.
-WCHAR s_szText[64];
-
-// The locale whose numeric part gives "%.3f" its full stop.
-#ifdef _WIN32
-const char kNUMERIC_LOCALE[] = "English";
-#else
-// "English" is not a locale name here; "C" has the full stop everywhere.
-const char kNUMERIC_LOCALE[] = "C";
-#endif
+// The text buffer of the module, shared by operator char* (narrow) and toString (wide). One per
+// thread, so that no other thread's call overwrites it; callers still copy the text at once.
+thread_local WCHAR s_szText[64];
 
 // Wraps at 32 bits without the undefined behaviour of signed overflow.
 int32_t Wrap(int64_t value)
@@ -104,13 +94,13 @@ TVOFixed::operator char*() const
 {
     QLM_TRACE_SCOPE(TEXT("TVOFixed::operator char*"), g_bTraceTVOFixed);
     char* text = reinterpret_cast<char*>(s_szText);
-    // The name must be copied: the next setlocale may overwrite the text it returns.
-    const char* current = setlocale(LC_NUMERIC, nullptr);
-    std::string saved = current ? current : "";
-    setlocale(LC_NUMERIC, kNUMERIC_LOCALE);
-    snprintf(text, sizeof(s_szText), "%.3f", m_fixed / 1000.0);
-    if (!saved.empty())
-        setlocale(LC_NUMERIC, saved.c_str());
+    // "%.3f" of the value with a full stop, written from the thousandths themselves: the locale
+    // is the whole process's, and switching it here would change other threads' numbers.
+    const int64_t value = m_fixed;
+    const uint64_t magnitude = static_cast<uint64_t>(value < 0 ? -value : value);
+    snprintf(text, sizeof(s_szText), "%s%llu.%03llu", value < 0 ? "-" : "",
+             static_cast<unsigned long long>(magnitude / 1000),
+             static_cast<unsigned long long>(magnitude % 1000));
     return text;
 }
 

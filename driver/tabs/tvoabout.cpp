@@ -90,10 +90,11 @@ void SetHeavyFont(HWND hDlg, LOGFONTW* pLogFont, HFONT* pFont)
         SendDlgItemMessageW(hDlg, id, WM_SETFONT, reinterpret_cast<WPARAM>(*pFont), TRUE);
 }
 
-LOGFONTW s_tabLogFont;
-HFONT s_hTabFont;
-LOGFONTW s_dlgLogFont;
-HFONT s_hDlgFont;
+// Per thread, as sheets of different queues may open on different threads.
+thread_local LOGFONTW s_tabLogFont;
+thread_local HFONT s_hTabFont;
+thread_local LOGFONTW s_dlgLogFont;
+thread_local HFONT s_hDlgFont;
 
 } // namespace
 
