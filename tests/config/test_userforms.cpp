@@ -125,7 +125,7 @@ TEST_F(ConfigUserForms, DeletingFormsEmptiesTheOldValues)
     EXPECT_EQ(ReadBack()->m_UserFormCount, 0);
 }
 
-TEST_F(ConfigUserForms, ADamagedOldCountEmptiesNoFurtherThanTheTableAndTheNewCountIsCapped)
+TEST_F(ConfigUserForms, ADamagedOldCountIsEmptiedToItsEndAndTheNewCountIsCapped)
 {
     StoreCount(70);
     config.m_UserFormCount = 80;
@@ -139,9 +139,12 @@ TEST_F(ConfigUserForms, ADamagedOldCountEmptiesNoFurtherThanTheTableAndTheNewCou
     EXPECT_EQ(value.data, (std::vector<uint8_t>{64, 0, 0, 0}));
     ASSERT_TRUE(Stored(u"UserForm64", &value));
     EXPECT_EQ(value.data.size(), sizeof(USERFORM));
-    // Nothing but this code writes forms, never past 64: values behind that are not touched.
-    EXPECT_FALSE(Stored(u"UserForm65", &value));
-    EXPECT_FALSE(Stored(u"UserForm70", &value));
+    // Every value up to the old count is emptied, so none is left behind the new count.
+    for (const char16_t* name : {u"UserForm65", u"UserForm70"}) {
+        ASSERT_TRUE(Stored(name, &value));
+        EXPECT_TRUE(value.data.empty());
+    }
+    EXPECT_FALSE(Stored(u"UserForm71", &value));
 }
 
 TEST_F(ConfigUserForms, StoredCountsAreCutToTheTableAndTo16Bits)
