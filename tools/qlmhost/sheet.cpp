@@ -104,6 +104,8 @@ int SheetCommand(Args& args, const Options& options)
     std::string script, error;
     if ((hasScript || hasCase) && !ReadTextFile(hasCase ? casePath : scriptPath, &script))
         return Fail("cannot read the script '" + (hasCase ? casePath : scriptPath) + "'");
+    if ((hasScript || hasCase) && !CheckScriptActions(script, &error))
+        return Fail((hasCase ? casePath : scriptPath) + ": " + error);
     // A case names its printer, sheet and mode; the command line's words come first.
     ScriptCase scriptCase;
     if (hasCase) {
