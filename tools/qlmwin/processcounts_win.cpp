@@ -1,10 +1,14 @@
-// Windows' counts: the process's private bytes and working set, its GDI and USER objects, its
-// kernel handles, and the windows of this thread counted one by one.
+// Windows' counts: the process's private bytes (not its working set, which holds the pages of
+// every library and font it has touched), its GDI and USER objects, its kernel handles, and
+// the windows of this thread counted one by one.
 #include "processcounts.h"
 
 #include <windows.h>
 
 #include <psapi.h>
+
+#include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -21,13 +25,34 @@ BOOL CALLBACK CountTopLevel(HWND hwnd, LPARAM lParam)
     return TRUE;
 }
 
-// GetGuiResources' count, or -1 where the platform does not keep it (Wine answers 0 with
-// ERROR_CALL_NOT_IMPLEMENTED: no process of it has no GDI object at all).
+// GetGuiResources' count, or -1 where the platform does not keep it: Wine 8 answers every
+// process with 0 or ~0, and no process that has made a window has no GDI object.
 long long GuiResources(DWORD flags)
 {
-    SetLastError(ERROR_SUCCESS);
     DWORD count = GetGuiResources(GetCurrentProcess(), flags);
-    return count == 0 && GetLastError() == ERROR_CALL_NOT_IMPLEMENTED ? -1 : count;
+    return count == 0 || count == ~DWORD(0) ? -1 : static_cast<long long>(count);
+}
+
+bool UnderWine()
+{
+    HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+    return ntdll && GetProcAddress(ntdll, "wine_get_version");
+}
+
+// Under Wine, whose PrivateUsage stays 0, the private memory is that of the Linux process
+// behind it: its anonymous resident KiB, read through the drive that maps the Unix root.
+long long WineAnonymousKiB()
+{
+    HANDLE file = CreateFileW(L"Z:\\proc\\self\\status", GENERIC_READ, FILE_SHARE_READ, nullptr,
+                              OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return -1;
+    char text[8192] = {};
+    DWORD read = 0;
+    ReadFile(file, text, sizeof(text) - 1, &read, nullptr);
+    CloseHandle(file);
+    const char* line = strstr(text, "RssAnon:");
+    return line ? atoll(line + 8) : -1;
 }
 
 } // namespace
@@ -41,12 +66,13 @@ std::vector<ProcessCount> SampleProcess()
     long long windows = 0;
     EnumThreadWindows(GetCurrentThreadId(), CountTopLevel, reinterpret_cast<LPARAM>(&windows));
     DWORD handles = 0;
-    const bool haveHandles = GetProcessHandleCount(GetCurrentProcess(), &handles);
+    // Wine answers TRUE with a count of 0, which no process has.
+    const bool haveHandles = GetProcessHandleCount(GetCurrentProcess(), &handles) && handles;
+    long long privateKiB = haveMemory ? static_cast<long long>(memory.PrivateUsage / 1024) : -1;
+    if (privateKiB <= 0 && UnderWine())
+        privateKiB = WineAnonymousKiB();
     return {
-        {"private KiB", haveMemory ? static_cast<long long>(memory.PrivateUsage / 1024) : -1, true,
-         0},
-        {"working set KiB", haveMemory ? static_cast<long long>(memory.WorkingSetSize / 1024) : -1,
-         true, 0},
+        {"private KiB", privateKiB, true, 0},
         {"gdi objects", GuiResources(GR_GDIOBJECTS), false, 3},
         {"user objects", GuiResources(GR_USEROBJECTS), false, 0},
         {"windows", windows, false, 0},
@@ -56,7 +82,11 @@ std::vector<ProcessCount> SampleProcess()
 
 std::string ProcessCountNote()
 {
+    std::string note;
     if (GuiResources(GR_GDIOBJECTS) < 0)
-        return "GetGuiResources is not implemented here: GDI and USER objects are not counted";
-    return {};
+        note = "GetGuiResources is not implemented here: GDI and USER objects are not counted";
+    if (UnderWine())
+        note += std::string(note.empty() ? "" : "; ") +
+                "under Wine the private KiB are the Linux process's RssAnon";
+    return note;
 }
