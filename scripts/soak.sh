@@ -9,7 +9,7 @@
 # The figures go to build/soak/host.txt and build/soak/wine.txt, one line a sample and the
 # growth of each count from the first sample after the warm-up to the last, with the verdict.
 # QLM_SOAK_HOST="CALLS SHEETS EVERY" and QLM_SOAK_WINE="CALLS SHEETS EVERY" change the counts.
-# Exit 0 when both verdicts are flat.
+# Exit 0 when both verdicts are flat. docs/soak.md says what is counted and holds the figures.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh wine64 wine fonts-wine xvfb

@@ -101,6 +101,11 @@ TEST_F(BadInput, EachGetsOneLineOnStandardErrorAndExitCodeOne)
          "",
          {"sheet", "--case", Text("h", "#: colour red\nok\n")},
          "line 1: unknown directive '#: colour red'"},
+        {"a case's mode unknown",
+         "",
+         {"sheet", "--case", Text("m", "#: mode DM_SIDEWAYS\nok\n")},
+         "'#: mode' takes a number or DM_ names, not 'DM_SIDEWAYS'"},
+        {"a folder as a capture", "", {"parse", m_dir}, "cannot read"},
         {"a case that sets no field",
          "",
          {"sheet", "--case", Text("i", "#: printer P\n#: set dmNothing 1\nok\n")},
@@ -124,6 +129,10 @@ TEST_F(BadInput, EachGetsOneLineOnStandardErrorAndExitCodeOne)
          {"sheet", "Nobody", "--script", script},
          "no printer named 'Nobody'"},
         {"a printer that is not there: soak", "", {"soak", "Nobody"}, "no printer named 'Nobody'"},
+        {"a printer that is not there: event",
+         "",
+         {"event", "Nobody", "initialize"},
+         "no printer named 'Nobody'"},
     };
     for (const Row& row : rows) {
         std::vector<std::string> all = {"--home", row.home.empty() ? m_home : row.home,
