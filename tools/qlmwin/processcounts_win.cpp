@@ -7,9 +7,6 @@
 
 #include <psapi.h>
 
-#include <cstdlib>
-#include <cstring>
-
 namespace {
 
 BOOL CALLBACK CountChild(HWND, LPARAM lParam)
@@ -39,20 +36,23 @@ bool UnderWine()
     return ntdll && GetProcAddress(ntdll, "wine_get_version");
 }
 
-// Under Wine, whose PrivateUsage stays 0, the private memory is that of the Linux process
-// behind it: its anonymous resident KiB, read through the drive that maps the Unix root.
-long long WineAnonymousKiB()
+// Where PrivateUsage stays 0 (Wine), the committed private regions of the address space,
+// which are what it counts on Windows. (A file such as Z:\\proc\\self\\status would be opened
+// by wineserver, and describe that process instead.) Wine's allocations on its Unix side, GDI
+// objects' among them, lie outside.
+long long CommittedPrivateKiB()
 {
-    HANDLE file = CreateFileW(L"Z:\\proc\\self\\status", GENERIC_READ, FILE_SHARE_READ, nullptr,
-                              OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return -1;
-    char text[8192] = {};
-    DWORD read = 0;
-    ReadFile(file, text, sizeof(text) - 1, &read, nullptr);
-    CloseHandle(file);
-    const char* line = strstr(text, "RssAnon:");
-    return line ? atoll(line + 8) : -1;
+    unsigned long long total = 0;
+    MEMORY_BASIC_INFORMATION info;
+    for (const BYTE* at = nullptr; VirtualQuery(at, &info, sizeof(info)) == sizeof(info);) {
+        if (info.State == MEM_COMMIT && info.Type == MEM_PRIVATE)
+            total += info.RegionSize;
+        const BYTE* next = static_cast<const BYTE*>(info.BaseAddress) + info.RegionSize;
+        if (next <= at)
+            break;
+        at = next;
+    }
+    return static_cast<long long>(total / 1024);
 }
 
 } // namespace
@@ -69,8 +69,8 @@ std::vector<ProcessCount> SampleProcess()
     // Wine answers TRUE with a count of 0, which no process has.
     const bool haveHandles = GetProcessHandleCount(GetCurrentProcess(), &handles) && handles;
     long long privateKiB = haveMemory ? static_cast<long long>(memory.PrivateUsage / 1024) : -1;
-    if (privateKiB <= 0 && UnderWine())
-        privateKiB = WineAnonymousKiB();
+    if (privateKiB <= 0)
+        privateKiB = CommittedPrivateKiB();
     return {
         {"private KiB", privateKiB, true, 0},
         {"gdi objects", GuiResources(GR_GDIOBJECTS), false, 3},
@@ -87,6 +87,6 @@ std::string ProcessCountNote()
         note = "GetGuiResources is not implemented here: GDI and USER objects are not counted";
     if (UnderWine())
         note += std::string(note.empty() ? "" : "; ") +
-                "under Wine the private KiB are the Linux process's RssAnon";
+                "under Wine the private KiB are the committed private regions (VirtualQuery)";
     return note;
 }
