@@ -84,4 +84,32 @@ std::shared_ptr<HandleObject> RemoveHandle(const void* handle, HandleKind kind)
     return object;
 }
 
+size_t LiveHandleCount(HandleKind kind)
+{
+    Lock lock(StateMutex());
+    size_t count = 0;
+    for (const auto& [value, object] : TheTable().objects)
+        count += object->kind == kind;
+    return count;
+}
+
 } // namespace host::detail
+
+namespace host {
+
+HandleCounts CountHandles()
+{
+    using namespace detail;
+    HandleCounts counts;
+    counts.windows = LiveWindowCount();
+    counts.menus = LiveMenuCount();
+    counts.printers = LiveHandleCount(HandleKind::Printer);
+    counts.registryKeys = LiveHandleCount(HandleKind::RegistryKey);
+    counts.files = LiveHandleCount(HandleKind::File);
+    counts.modules = LoadedModuleCount();
+    counts.memoryBlocks = LiveMemoryBlockCount();
+    counts.pages = LivePageCount();
+    return counts;
+}
+
+} // namespace host

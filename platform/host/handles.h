@@ -33,6 +33,8 @@ std::shared_ptr<HandleObject> FindHandle(const void* handle, HandleKind kind);
 // The same without a reference of its own, for the hot read paths: the caller holds
 // StateMutex() for as long as it uses the object, so that no one can close the handle meanwhile.
 HandleObject* PeekHandle(const void* handle, HandleKind kind);
+// How many live handles of that kind the table holds.
+size_t LiveHandleCount(HandleKind kind);
 // Takes the handle out of the table; null when it is not a live handle of that kind.
 std::shared_ptr<HandleObject> RemoveHandle(const void* handle, HandleKind kind);
 

@@ -119,6 +119,22 @@ void ResetCallCounts();
 // caller again. False when no loaded module holds address.
 bool CountCallsFromModuleOf(const void* address);
 
+// ---- Handle counts -------------------------------------------------------------------------
+// What the host's tables hold at this moment, for a process that must stay flat through days
+// of calls (a soak samples them). GDI objects are counted by LiveObjects() (hostgdi.h).
+struct HandleCounts
+{
+    size_t windows = 0;
+    size_t menus = 0;
+    size_t printers = 0;     // open printer handles
+    size_t registryKeys = 0; // open registry keys
+    size_t files = 0;        // open file handles
+    size_t modules = 0;      // loaded modules (LoadLibraryW), not the cache of unloaded images
+    size_t memoryBlocks = 0; // GlobalAlloc and LocalAlloc blocks
+    size_t pages = 0;        // property sheet pages not yet destroyed
+};
+HandleCounts CountHandles();
+
 // ---- Debug output and message boxes -----------------------------------------------------
 // OutputDebugStringW goes to standard error when QLMHOST_TRACE is set, and to the sink when
 // one is installed (tests); the sink receives each string as it was given.

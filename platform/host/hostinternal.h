@@ -19,6 +19,13 @@ namespace host::detail {
 std::recursive_mutex& StateMutex();
 using Lock = std::lock_guard<std::recursive_mutex>;
 
+// How many live objects each table holds, for host::CountHandles.
+size_t LiveWindowCount();
+size_t LiveMenuCount();
+size_t LoadedModuleCount();
+size_t LiveMemoryBlockCount();
+size_t LivePageCount();
+
 // The count of one spooler or registry name: made once, where the name is, and listed for
 // host::CallCounts. Counting is an atomic increment, so the names stay as quick as they were.
 class CallCounter

@@ -32,6 +32,12 @@ bool LiveBlock(HGLOBAL hMem, SIZE_T* size)
 
 } // namespace
 
+size_t host::detail::LiveMemoryBlockCount()
+{
+    Lock lock(StateMutex());
+    return Blocks().size();
+}
+
 extern "C" {
 
 // The block (which is also its handle), or NULL with ERROR_NOT_ENOUGH_MEMORY. GMEM_MOVEABLE

@@ -196,6 +196,12 @@ HMENU LoadMenuFromTemplate(const uint8_t* data, size_t size)
     return menu;
 }
 
+size_t LiveMenuCount()
+{
+    Lock lock(StateMutex());
+    return Table().menus.size();
+}
+
 } // namespace host::detail
 
 using namespace host::detail;

@@ -315,6 +315,16 @@ uint64_t ModuleFileReads()
     return t.reads;
 }
 
+size_t LoadedModuleCount()
+{
+    ModuleTable& t = Table();
+    std::lock_guard lock(t.mutex);
+    size_t count = 0;
+    for (const auto& [handle, m] : t.byHandle)
+        count += m->refs > 0;
+    return count;
+}
+
 } // namespace host::detail
 
 using namespace host::detail;

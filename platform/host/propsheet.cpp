@@ -418,6 +418,12 @@ SheetRun LastSheetRun()
     return Pages().last;
 }
 
+size_t detail::LivePageCount()
+{
+    detail::Lock lock(detail::StateMutex());
+    return Pages().pages.size();
+}
+
 } // namespace host
 
 extern "C" {

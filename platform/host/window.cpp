@@ -284,6 +284,12 @@ bool DispatchPostedMessage()
     return true;
 }
 
+size_t LiveWindowCount()
+{
+    Lock lock(StateMutex());
+    return Table().windows.size();
+}
+
 } // namespace host::detail
 
 using namespace host::detail;

@@ -184,7 +184,8 @@ TEST_F(Records, FilesThatCannotBeRecordsAreRefused)
         {"short", std::vector<uint8_t>(219, 0), "fewer than the 220"},
         {"truncated", truncated, "declare 13484"},
         {"olderTruncated", olderTruncated, "declare 3252"},
-        {"text", std::vector<uint8_t>(words.begin(), words.end()), "truncated, or not a settings"},
+        {"text", std::vector<uint8_t>(words.begin(), words.end()), "not a settings record"},
+        {"zeros", std::vector<uint8_t>(kDEVMODEEX_SIZE, 0), "no size of a record's public part"},
         {"huge", std::vector<uint8_t>((1 << 20) + 1, 0), "larger than any settings record"},
     };
     AddPrinter();

@@ -1,5 +1,6 @@
 // qlmhost sheet as a person uses it: the device sheet's about tab with the resource library's
-// version, the document sheet's result and record, and a script line that does not hold.
+// version, the document sheet's result and record, a script line that does not hold, and the
+// sheets opened again and again by a soak without leaving anything behind.
 #include "qlmhosttest.h"
 
 using namespace qlmhosttest;
@@ -84,4 +85,24 @@ TEST_F(SheetCommand, ACaseGivesTheSheetTheQueuesRecordWithItsFieldsSet)
         EXPECT_EQ(1, bad.rc) << line;
         EXPECT_NE(std::string::npos, bad.err.find(why)) << bad.err;
     }
+}
+
+TEST_F(SheetCommand, ASoakLeavesNoWindowPageOrHandleBehind)
+{
+    // Ten cycles of both sheets and their share of the export calls: what a sheet makes it
+    // must take away again, but for what the about tab keeps on each showing by design.
+    // Memory is left to the soak itself: an address sanitizer's quarantine grows it.
+    Outcome run = Real({"soak", "P", "--calls", "200", "--sheets", "10", "--every", "2", "--json"});
+    ASSERT_NE(run.out.find_last_of('{'), std::string::npos) << run.out << run.err;
+    Json verdict;
+    ASSERT_TRUE(ParseJson(run.out.substr(run.out.rfind("\n{") + 1), &verdict)) << run.out;
+    EXPECT_EQ(16, verdict["aboutShowings"].Int()) << run.out;
+    const Json& growth = verdict["growth"];
+    for (const std::string& count : growth.Keys()) {
+        if (count.find("KiB") != std::string::npos)
+            continue;
+        EXPECT_EQ(growth[count]["growth"].Int(), growth[count]["keptByDesign"].Int()) << count;
+    }
+    EXPECT_EQ(16, growth["gdi fonts"]["growth"].Int());
+    EXPECT_EQ(32, growth["gdi bitmaps"]["growth"].Int());
 }

@@ -112,7 +112,7 @@ int RunBatch(const std::string& path, const Options& options)
     // process's current folder to that of the file chosen.
     std::error_code ec;
     const std::filesystem::path folder = std::filesystem::current_path(ec);
-    int failed = 0;
+    int failed = 0, commands = 0, firstFailed = 0, number = 0;
     size_t start = 0;
     while (start < content.size()) {
         if (!folder.empty())
@@ -122,17 +122,22 @@ int RunBatch(const std::string& path, const Options& options)
             end = content.size();
         std::string line = content.substr(start, end - start);
         start = end + 1;
+        ++number;
         while (!line.empty() && (line.back() == '\r' || line.back() == ' '))
             line.pop_back();
         std::vector<std::string> words = SplitWords(line);
         if (words.empty() || words[0][0] == '#')
             continue;
+        ++commands;
         size_t used = 0;
         const Command* command = MatchCommand(options.commands, words, 0, &used);
         int rc = 2;
         std::string out, err;
         if (!command) {
             err = "unknown command '" + words[0] + "'";
+        } else if (command->run == BatchCommand) {
+            // A batch that names itself would never end.
+            err = "a batch does not run another batch";
         } else {
             Args args(std::vector<std::string>(words.begin() + used, words.end()), *command);
             Options lineOptions = options;
@@ -142,8 +147,8 @@ int RunBatch(const std::string& path, const Options& options)
             out = captureOut.Take();
             err = captureErr.Take();
         }
-        if (rc != 0)
-            ++failed;
+        if (rc != 0 && failed++ == 0)
+            firstFailed = number;
         if (out.empty() && rc != 0) {
             JsonWriter json;
             json.BeginObject();
@@ -154,7 +159,14 @@ int RunBatch(const std::string& path, const Options& options)
         printf("%s\t%s\n", line.c_str(), OneLine(out).c_str());
         fflush(stdout);
     }
-    return failed ? 1 : 0;
+    if (commands == 0)
+        return Fail("the batch file '" + path + "' holds no command");
+    // Each answer says what went wrong on its own line; standard error says that something did.
+    if (failed)
+        return Fail(path + ": " + std::to_string(failed) + " of " + std::to_string(commands) +
+                    (commands == 1 ? " command" : " commands") + " failed, the first on line " +
+                    std::to_string(firstFailed));
+    return 0;
 }
 
 int BatchCommand(Args& args, const Options& options)

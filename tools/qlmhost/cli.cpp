@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -47,7 +48,19 @@ bool Args::Unknown(std::string* message) const
 
 int Fail(const std::string& message)
 {
-    fprintf(stderr, "%s: %s\n", g_pszToolName, message.c_str());
+    // One line, whatever a file's bytes put into the message: control characters are shown
+    // as escapes, so that a line break or a NUL read from a damaged file cannot split or cut it.
+    std::string line;
+    for (unsigned char c : message) {
+        if (c < 0x20 || c == 0x7F) {
+            char escape[8];
+            snprintf(escape, sizeof(escape), "\\x%02X", c);
+            line += escape;
+        } else {
+            line += char(c);
+        }
+    }
+    fprintf(stderr, "%s: %s\n", g_pszToolName, line.c_str());
     return 1;
 }
 
@@ -67,8 +80,7 @@ bool Expect(Args& args, size_t minWords, size_t maxWords, int* rc)
     }
     size_t n = args.Rest().size();
     if (n < minWords || n > maxWords) {
-        *rc = UsageError(args.Called(),
-                         n < minWords ? "missing arguments" : "too many arguments");
+        *rc = UsageError(args.Called(), n < minWords ? "missing arguments" : "too many arguments");
         return false;
     }
     return true;
@@ -80,11 +92,20 @@ bool ReadTextFile(const std::string& path, std::string* text)
         *text = std::string(std::istreambuf_iterator<char>(std::cin), {});
         return true;
     }
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
+    // A folder opens as a file on Linux and fails only at the first read, with an exception
+    // of the stream's own: it is no text file, and neither is one that cannot be read through.
+    std::error_code ec;
+    if (std::filesystem::is_directory(std::filesystem::path(path), ec))
         return false;
-    *text = std::string(std::istreambuf_iterator<char>(file), {});
-    return true;
+    try {
+        std::ifstream file(path, std::ios::binary);
+        if (!file)
+            return false;
+        *text = std::string(std::istreambuf_iterator<char>(file), {});
+        return !file.bad();
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 bool SameWord(const char* a, const char* b)

@@ -48,6 +48,7 @@ extern const Command g_SheetCommand;
 extern const Command g_BatchCommand;
 extern const Command g_ProbeCommand;
 extern const Command g_BenchCommand;
+extern const Command g_SoakCommand;
 int BatchCommand(Args& args, const Options& options);
 
 // Runs each command line of a file, in this process, one after the other: blank lines and

@@ -54,7 +54,10 @@ int EventCommand(Args& args, const Options& options)
     auto* printerEvent = driver.Entry<BOOL WINAPI(LPWSTR, INT, DWORD, LPARAM)>("DrvPrinterEvent");
     if (!printerEvent)
         return Fail("the driver library has no DrvPrinterEvent");
-    // The spooler names the queue; the driver opens it itself.
+    // The spooler tells of queues that exist (a queue being deleted still does); the driver
+    // opens it itself, by the name.
+    if (!OpenedPrinter(args.Rest()[0]).get())
+        return Fail("no printer named '" + args.Rest()[0] + "'");
     std::u16string name = W(args.Rest()[0]);
     BOOL result = printerEvent(const_cast<LPWSTR>(name.c_str()), event,
                                noUi ? PRINTER_EVENT_FLAG_NO_UI : 0, 0);

@@ -69,6 +69,7 @@ const Command kCommands[] = {
     g_BatchCommand,
     g_ProbeCommand,
     g_BenchCommand,
+    g_SoakCommand,
     {"devmode layout", "[--json]", "Shows the settings record's fields and offsets.",
      DevmodeLayout},
     {"devmode new", "PRINTER [--json]",

@@ -141,7 +141,7 @@ int ProbeCommand(Args& args, const Options& options)
     if (!ReadTextFile(casePath, &script))
         return Fail("cannot read the script '" + casePath + "'");
     ScriptCase scriptCase;
-    if (!ParseScriptCase(script, &scriptCase, &error))
+    if (!ParseScriptCase(script, &scriptCase, &error) || !CheckScriptActions(script, &error))
         return Fail(casePath + ": " + error);
     std::u16string wide = W(dialogsPath);
     HMODULE module = LoadLibraryW(reinterpret_cast<LPCWSTR>(wide.c_str()));

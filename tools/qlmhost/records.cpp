@@ -685,6 +685,18 @@ bool ReadRecordFile(const std::string& path, std::vector<uint8_t>* bytes, std::s
                  " bytes, fewer than the 220 of a record's public part: not a settings record";
         return false;
     }
+    // Another driver's record is welcome (the driver's repair is what it tests), but a public
+    // part must at least reach past its own size fields to dmFields, and no DEVMODEW's public
+    // part is larger than this one's: anything else is a file of another kind.
+    WORD publicSize;
+    memcpy(&publicSize, bytes->data() + offsetof(DEVMODEW, dmSize), 2);
+    constexpr size_t kSmallestPublic = offsetof(DEVMODEW, dmFields) + sizeof(DWORD);
+    if (publicSize < kSmallestPublic || publicSize > sizeof(DEVMODEW)) {
+        *error = path + ": its dmSize " + std::to_string(publicSize) + " is no size of a " +
+                 "record's public part (" + std::to_string(kSmallestPublic) + " to " +
+                 std::to_string(sizeof(DEVMODEW)) + "): not a settings record";
+        return false;
+    }
     size_t declared = DeclaredRecordSize(bytes->data(), bytes->size());
     if (bytes->size() < declared) {
         WORD size, extra;

@@ -215,6 +215,9 @@ int ParseCommand(Args& args, const Options& options)
     // As the refresh reads a capture: into a zeroed buffer of its size, the rest cut off.
     std::vector<char> buffer(kPJL_REPLY_BUFFER_SIZE, 0);
     file.read(buffer.data(), kPJL_REPLY_BUFFER_SIZE);
+    // A folder opens, and fails at its first read.
+    if (file.bad())
+        return Fail("cannot read '" + path + "'");
     size_t cbRead = static_cast<size_t>(file.gcount());
     bool cut = file.peek() != std::char_traits<char>::eof();
 

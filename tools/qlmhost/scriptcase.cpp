@@ -3,7 +3,10 @@
 
 #include "records.h"
 
+#include "platform/usersim/userscript.h"
+
 #include <cctype>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
@@ -101,6 +104,34 @@ bool ParseDirective(const std::string& word, const std::string& rest, ScriptCase
 }
 
 } // namespace
+
+bool CheckScriptActions(const std::string& script, std::string* error)
+{
+    // Each press is a message round; a count beyond any up-down's range only keeps the
+    // sheet busy for hours at its end.
+    constexpr long long kMaxSpins = 10000;
+    std::vector<usersim::UserAction> actions;
+    if (!usersim::ParseUserScript(script, &actions, error))
+        return false;
+    if (actions.empty()) {
+        *error = "the script has no actions";
+        return false;
+    }
+    for (const usersim::UserAction& a : actions) {
+        if (a.verb == "spin" && a.number > kMaxSpins) {
+            *error =
+                usersim::FailureText(a, "'spin' takes a count up to " + std::to_string(kMaxSpins) +
+                                            ", not " + std::to_string(a.number));
+            return false;
+        }
+        if (a.verb == "slide" && (a.number < INT_MIN || a.number > INT_MAX)) {
+            *error = usersim::FailureText(a, "'slide' needs a position a trackbar can have, not " +
+                                                 std::to_string(a.number));
+            return false;
+        }
+    }
+    return true;
+}
 
 bool ParseScriptCase(const std::string& script, ScriptCase* scriptCase, std::string* error)
 {

@@ -50,6 +50,12 @@ struct ScriptCase
 // or cannot read.
 bool ParseScriptCase(const std::string& script, ScriptCase* scriptCase, std::string* error);
 
+// A script's actions, read as the person's part reads them, held to what a person can do: false
+// with a message for a script that cannot be read, one without a single action (an empty file
+// is a mistake, not a person who did nothing), an arrow pressed more times than any up-down
+// has steps, or a thumb slid to a position no trackbar has.
+bool CheckScriptActions(const std::string& script, std::string* error);
+
 // What the outcome breaks of the case's expectations, one message each. record may be null
 // when the caller got none.
 std::vector<std::string> CheckScriptCase(const ScriptCase& scriptCase, long long result,

@@ -149,21 +149,29 @@ int SheetCommand(Args& args, const Options& options)
     std::string script, error;
     if ((hasScript || hasCase) && !ReadTextFile(hasCase ? casePath : scriptPath, &script))
         return Fail("cannot read the script '" + (hasCase ? casePath : scriptPath) + "'");
+    if ((hasScript || hasCase) && !CheckScriptActions(script, &error))
+        return Fail((hasCase ? casePath : scriptPath) + ": " + error);
     // A case names its printer, sheet and mode; the command line's words come first.
     ScriptCase scriptCase;
+    bool modeFromCase = false;
     if (hasCase) {
         if (!ParseScriptCase(script, &scriptCase, &error))
             return Fail(casePath + ": " + error);
         device = device || scriptCase.device;
         if (!hasMode && !scriptCase.mode.empty()) {
             modeText = scriptCase.mode;
-            hasMode = true;
+            hasMode = modeFromCase = true;
         }
     }
     DWORD fMode = DM_IN_PROMPT | DM_IN_BUFFER | DM_OUT_BUFFER;
-    if (hasMode && !ParseMode(modeText, &fMode))
+    if (hasMode && !ParseMode(modeText, &fMode)) {
+        // A case's line is a file's mistake, not the command line's.
+        if (modeFromCase)
+            return Fail(casePath + ": '#: mode' takes a number or DM_ names, not '" + modeText +
+                        "'");
         return UsageError(args.Called(),
                           "--mode takes a number or DM_ names, not '" + modeText + "'");
+    }
     std::vector<uint8_t> input;
     if (hasIn && !ReadRecordFile(inPath, &input, &error))
         return Fail(error);

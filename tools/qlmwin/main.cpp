@@ -33,6 +33,7 @@ const Command kCommands[] = {
     g_BatchCommand,
     g_ProbeCommand,
     g_BenchCommand,
+    g_SoakCommand,
 };
 const CommandTable kTable = {kCommands, sizeof(kCommands) / sizeof(kCommands[0])};
 
