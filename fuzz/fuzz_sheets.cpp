@@ -107,9 +107,20 @@ const Setup& Once()
 }
 
 // One field of the record set from the input: a field of the table, one of its elements.
+// The guard blocks, the layout version and dmSize are left alone: the merge takes a caller's
+// guards and version as they stand (its release reports damage, as it is meant to), and an own
+// record's shorter dmSize moves where its private part is read from, guards and all.
 void Patch(std::vector<uint8_t>& record, fuzzhost::Input& in)
 {
     const DEVMODEEX_FIELD& field = g_DevmodeFields[in.Byte() % g_cDevmodeFields];
+    if (field.dwOffset == offsetof(DEVMODEEX, dmxDevmodeVersion) ||
+        field.dwOffset == offsetof(DEVMODEW, dmSize) ||
+        field.dwOffset == offsetof(DEVMODEEX, padding_1) ||
+        field.dwOffset == offsetof(DEVMODEEX, padding_2)) {
+        in.Byte();
+        in.Dword();
+        return;
+    }
     const DWORD elements = field.cbSize / field.cbElement;
     const DWORD element = in.Byte() % elements;
     const DWORD value = in.Dword();

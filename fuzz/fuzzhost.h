@@ -32,9 +32,10 @@ std::string Home();
 std::string HomeFile(const char* name);
 void WriteFile(const std::string& path, const uint8_t* data, size_t size);
 
-// The driver's own test of a record it hands out, as getDeviceMode decides whether a stored
-// record is its own: the identity fields, the record version and both guard blocks. null when
-// the record passes, else what failed.
+// The driver's own test of a record it hands out: the identity by which getDeviceMode takes a
+// record for its own, and what the driver keeps in every record it hands out (dmFields and
+// dmColor, the resolution pair, no refresh on open without a bidirectional port, the guard
+// blocks). null when the record passes, else what failed.
 const char* RecordFault(const void* record, size_t cb);
 
 // Aborts with the message when fault is not null, so that libFuzzer keeps the input.
