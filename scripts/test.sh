@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Every test of both platforms: the layering of the driver's includes, the host suites, then the
-# whole suite again under the address and undefined-behaviour sanitizers, then the Windows cross
-# build with its export check, and last the Windows build run under Wine and compared with the
-# host (scripts/test-wine.sh).
+# whole suite again under the address and undefined-behaviour sanitizers, then each fuzz target
+# briefly from its corpus (scripts/fuzz.sh), then the Windows cross build with its export check,
+# and last the Windows build run under Wine and compared with the host (scripts/test-wine.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
@@ -17,6 +17,9 @@ for preset in host host-asan; do
   cmake --build --preset "$preset" -j "$jobs"
   ctest --preset "$preset" -j "$jobs"
 done
+
+echo "== fuzz"
+bash scripts/fuzz.sh
 
 echo "== win64"
 bash scripts/build-win64.sh
