@@ -77,11 +77,15 @@ void Capabilities(HANDLE hPrinter, PDEVMODEW pdm, WORD extra)
     indexes.push_back(DC_MMINCH);
     indexes.push_back(extra);
     for (WORD index : indexes) {
-        DWORD count = DrvDeviceCapabilities(hPrinter, nullptr, index, nullptr, pdm);
-        size_t cb = index == DC_IDSYSPRN ? 34 : ElementSize(index);
-        if (count == GDI_ERROR || count > 4096)
-            count = 0;
-        // With no list the output is a block of no bytes: any write to it is a report.
+        const size_t cb = index == DC_IDSYSPRN ? 34 : ElementSize(index);
+        // An index without a list is asked once, with a block of no bytes: any write to it
+        // is a report. A list is counted first, then read into a block of its count.
+        DWORD count = 0;
+        if (cb) {
+            count = DrvDeviceCapabilities(hPrinter, nullptr, index, nullptr, pdm);
+            if (count == GDI_ERROR || count > 4096)
+                count = 0;
+        }
         std::unique_ptr<uint8_t[]> out(new uint8_t[index == DC_IDSYSPRN ? cb : cb * count]);
         DrvDeviceCapabilities(hPrinter, nullptr, index, out.get(), pdm);
     }
