@@ -6,6 +6,7 @@
 #include "../foundation/qlmtrace.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 const DRIVER_VERSION_INFO g_DriverVersionInfo = {0x0400, kDEVMODEEX_DRIVER_EXTRA, 0, 0};
@@ -68,9 +69,17 @@ LONG CommonDrvConvertDevMode(LPCWSTR pPrinterName, const DEVMODEW* pdmIn, DEVMOD
     }
     switch (fMode) {
     case CDM_CONVERT: {
-        if (pdmOut && *pcbNeeded >= static_cast<LONG>(pdmOut->dmSize) + pdmOut->dmDriverExtra &&
-            ConvertDevmode(pdmIn, pdmOut) > 0) {
-            *pcbNeeded = static_cast<LONG>(pdmOut->dmSize) + pdmOut->dmDriverExtra;
+        // The output's own header names the form wanted; a block too small for the header
+        // holds no form at all.
+        if (!pdmOut || *pcbNeeded < static_cast<LONG>(offsetof(DEVMODEW, dmFields))) {
+            SetLastError(ERROR_INVALID_PARAMETER);
+            return CDM_RESULT_FALSE;
+        }
+        // The size asked for, taken before the copy: behind a public part shorter than the
+        // header, the private part lands on the header's size fields.
+        const LONG cbOut = static_cast<LONG>(pdmOut->dmSize) + pdmOut->dmDriverExtra;
+        if (*pcbNeeded >= cbOut && ConvertDevmode(pdmIn, pdmOut) > 0) {
+            *pcbNeeded = cbOut;
             return CDM_RESULT_TRUE;
         }
         SetLastError(ERROR_INVALID_PARAMETER);
