@@ -56,7 +56,7 @@ int EventCommand(Args& args, const Options& options)
         return Fail("the driver library has no DrvPrinterEvent");
     // The spooler names the queue; the driver opens it itself.
     std::u16string name = W(args.Rest()[0]);
-    BOOL result = printerEvent(const_cast<LPWSTR>(name.c_str()), event,
+    BOOL result = printerEvent(reinterpret_cast<LPWSTR>(name.data()), event,
                                noUi ? PRINTER_EVENT_FLAG_NO_UI : 0, 0);
     if (options.json)
         printf("{\"event\": %d, \"result\": %d}\n", event, result);
