@@ -9,7 +9,7 @@ bash scripts/build-win64.sh >/dev/null
 
 # The alias table's names, as the INF must list them (\uXXXX escapes turned into characters).
 aliases=$(awk '/^const TVOPrinterAlias kAliases\[\] = \{/{on=1; next} on && /^};/{on=0} on' \
-            driver/config/tvoconfg.cpp |
+            driver/devmode/tvomodels.cpp |
           grep -o 'TEXT("[^"]*")' | sed 's/^TEXT("\(.*\)")$/\1/' |
           perl -CS -pe 's/\\u([0-9A-Fa-f]{4})/chr(hex($1))/ge')
 models=$(awk '/^\[Tarvo\.NTamd64\]/{on=1; next} /^\[/{on=0} on && /^"/' package/QLMUIDrv.inf |
