@@ -216,9 +216,8 @@ int CapsCommand(Args& args, const Options& options)
             return static_cast<int32_t>(DeviceCapabilitiesW(printer.name(), nullptr, index,
                                                             static_cast<LPWSTR>(output), pDevMode));
 #endif
-        return static_cast<int32_t>(
-            deviceCapabilities(noHandle ? nullptr : printer.get(), printer.name(), index, output,
-                               pDevMode));
+        return static_cast<int32_t>(deviceCapabilities(noHandle ? nullptr : printer.get(),
+                                                       printer.name(), index, output, pDevMode));
     };
     int32_t result;
     int32_t count = 0;

@@ -293,8 +293,9 @@ extern const Command g_SheetCommand = {
     "  gets (the queue's stored record for --device); --dump adds each page's controls.\n"
     "  Exit 1 when a script line fails (its line number is named on standard error).\n"
     "  --case runs a script case: its lines \"#: printer NAME\", \"#: sheet device\",\n"
-    "  \"#: mode FLAGS\" choose the sheet, \"#: pjlsim [PROFILE]\" makes its printer answer\n"
-    "  (a simulated plotter at its port's address, Linux only), \"#: set FIELD TEXT\" sets a\n"
-    "  field of the queue's record given as pdmIn, \"#: data NAME dword N|binary HEX\" a printer\n"
-    "  data value, and \"#: result N\", \"#: record FIELD TEXT\", \"#: stored NAME VALUE\"\n"
-    "  say what must come out; what does not is a failure."};
+    "  \"#: mode FLAGS\" choose the sheet, \"#: pjlsim [PROFILE] [--fault MODE[:QUERY]]...\n"
+    "  [--delay-ms N] [--address A]\" makes its printer answer (a simulated plotter at its\n"
+    "  port's address or at A: qlmhost runs it, under Windows it must be there already),\n"
+    "  \"#: set FIELD TEXT\" sets a field of the queue's record given as pdmIn, \"#: data NAME\n"
+    "  dword N|binary HEX\" a printer data value, and \"#: result N\", \"#: record FIELD TEXT\",\n"
+    "  \"#: stored NAME VALUE\" say what must come out; what does not is a failure."};
