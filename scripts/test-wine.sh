@@ -98,13 +98,14 @@ while IFS= read -r line; do
 done < <(grep '^#: pjlsim ' tests/scripts/answers.list)
 
 echo "== install: the package's INF under Wine, the same queues on the host"
-# qlmwin install tells the driver of each new queue (PRINTER_EVENT_INITIALIZE) as the Windows
-# spooler does and Wine's AddPrinterW does not; qlmhost's is asked the same after printer add.
 # Network ports first: one of the standard TCP/IP monitor's on each platform.
 for port in $(cut -f3 tests/scripts/queues.list | grep '^IP_' | sort -u); do
   qlmwin port add "$port" | tr -d '\r'
   qlmhost port add "$port" --monitor TCPMON.DLL >/dev/null
 done
+# qlmwin install tells the driver of each new queue (PRINTER_EVENT_INITIALIZE) as the Windows
+# spooler does and Wine's AddPrinterW does not; the host's driver is told the same after
+# printer add.
 qlmwin install --inf build/win64/package/QLMUIDrv.inf --queues tests/scripts/queues.list \
   | tr -d '\r'
 while IFS=$'\t' read -r queue driver port; do
