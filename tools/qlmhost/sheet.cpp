@@ -112,10 +112,13 @@ void CheckCaseData(HANDLE hPrinter, const ScriptCase& scriptCase, const std::str
         DWORD type = 0, cbNeeded = 0;
         DWORD rc = GetPrinterDataW(hPrinter, reinterpret_cast<LPWSTR>(name.data()), &type, nullptr,
                                    0, &cbNeeded);
-        std::vector<BYTE> bytes(cbNeeded);
+        // Room for one byte at least: Wine's spooler answers ERROR_MORE_DATA to a null buffer
+        // even for an empty value.
+        std::vector<BYTE> bytes(cbNeeded ? cbNeeded : 1);
         if (rc == ERROR_MORE_DATA || rc == ERROR_SUCCESS)
             rc = GetPrinterDataW(hPrinter, reinterpret_cast<LPWSTR>(name.data()), &type,
-                                 bytes.empty() ? nullptr : bytes.data(), cbNeeded, &cbNeeded);
+                                 bytes.data(), DWORD(bytes.size()), &cbNeeded);
+        bytes.resize(rc == ERROR_SUCCESS ? cbNeeded : 0);
         const std::string wanted = CaseDataText(want.dword, want.bytes);
         if (rc != ERROR_SUCCESS) {
             failures->push_back(casePath + ": printer data " + want.name + " is not there (" +
