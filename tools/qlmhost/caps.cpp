@@ -163,6 +163,7 @@ int CapsCommand(Args& args, const Options& options)
     std::string devmodePath;
     bool withDevmode = args.Take("--devmode", &devmodePath);
     const bool app = args.Flag("--app");
+    const bool noHandle = args.Flag("--no-handle");
     int rc;
     if (!Expect(args, 2, 2, &rc))
         return rc;
@@ -215,8 +216,8 @@ int CapsCommand(Args& args, const Options& options)
             return static_cast<int32_t>(DeviceCapabilitiesW(printer.name(), nullptr, index,
                                                             static_cast<LPWSTR>(output), pDevMode));
 #endif
-        return static_cast<int32_t>(
-            deviceCapabilities(printer.get(), printer.name(), index, output, pDevMode));
+        return static_cast<int32_t>(deviceCapabilities(noHandle ? nullptr : printer.get(),
+                                                       printer.name(), index, output, pDevMode));
     };
     int32_t result;
     int32_t count = 0;
@@ -318,12 +319,13 @@ int CapsCommand(Args& args, const Options& options)
 }
 
 extern const Command g_CapsCommand = {
-    "caps", "PRINTER INDEX [--devmode FILE] [--app] [--json]",
+    "caps", "PRINTER INDEX [--devmode FILE] [--app|--no-handle] [--json]",
     "Asks the driver's DrvDeviceCapabilities as an application does, and decodes the output.",
     CapsCommand,
     "--app asks as an application does, through the spooler's DeviceCapabilitiesW where\n"
     "  there is one (Windows); the host answers it as Windows documents it, through the export\n"
-    "  with the queue's handle.\n  "
+    "  with the queue's handle. --no-handle calls the export with the printer's name and a null\n"
+    "  handle, as Wine's DeviceCapabilitiesW does.\n  "
     "INDEX is a number (decimal or 0x hex) or a name, without regard to case and with or\n"
     "  without DC_: FIELDS PAPERS PAPERSIZE MINEXTENT MAXEXTENT BINS DUPLEX SIZE EXTRA\n"
     "  VERSION DRIVER BINNAMES ENUMRESOLUTIONS FILEDEPENDENCIES TRUETYPE PAPERNAMES\n"

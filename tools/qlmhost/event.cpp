@@ -59,7 +59,7 @@ int EventCommand(Args& args, const Options& options)
     if (!OpenedPrinter(args.Rest()[0]).get())
         return Fail("no printer named '" + args.Rest()[0] + "'");
     std::u16string name = W(args.Rest()[0]);
-    BOOL result = printerEvent(const_cast<LPWSTR>(name.c_str()), event,
+    BOOL result = printerEvent(reinterpret_cast<LPWSTR>(name.data()), event,
                                noUi ? PRINTER_EVENT_FLAG_NO_UI : 0, 0);
     if (options.json)
         printf("{\"event\": %d, \"result\": %d}\n", event, result);

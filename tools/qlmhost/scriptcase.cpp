@@ -93,6 +93,9 @@ bool ParseDirective(const std::string& word, const std::string& rest, ScriptCase
             return false;
         (word == "data" ? c->data : c->stored).push_back(value);
     } else if (word == "pjlsim") {
+        CasePjlsim pjlsim;
+        if (!ParseCasePjlsim(rest, &pjlsim, why))
+            return false;
         c->pjlsim = rest;
     } else if (word == "wine-skip" && !rest.empty()) {
         c->wineSkip = rest;
@@ -127,6 +130,44 @@ bool CheckScriptActions(const std::string& script, std::string* error)
         if (a.verb == "slide" && (a.number < INT_MIN || a.number > INT_MAX)) {
             *error = usersim::FailureText(a, "'slide' needs a position a trackbar can have, not " +
                                                  std::to_string(a.number));
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ParseCasePjlsim(const std::string& words, CasePjlsim* pjlsim, std::string* error)
+{
+    std::istringstream in(words);
+    std::string word, value;
+    while (in >> word) {
+        if (word.compare(0, 2, "--") != 0) {
+            if (!pjlsim->profile.empty()) {
+                *error =
+                    "'pjlsim' takes one profile, not '" + pjlsim->profile + "' and '" + word + "'";
+                return false;
+            }
+            pjlsim->profile = word;
+            continue;
+        }
+        if (!(in >> value)) {
+            *error = "'pjlsim' " + word + " needs a value";
+            return false;
+        }
+        if (word == "--fault") {
+            pjlsim->faults.push_back(value);
+        } else if (word == "--address") {
+            pjlsim->address = value;
+        } else if (word == "--delay-ms") {
+            char* end = nullptr;
+            unsigned long ms = strtoul(value.c_str(), &end, 10);
+            if (*end || ms > 60000) {
+                *error = "'pjlsim' --delay-ms takes milliseconds up to 60000, not '" + value + "'";
+                return false;
+            }
+            pjlsim->delayMs = unsigned(ms);
+        } else {
+            *error = "'pjlsim' takes --fault, --delay-ms and --address, not " + word;
             return false;
         }
     }

@@ -10,9 +10,11 @@
 //                         set (as pdmIn, one line a field), as records are printed
 //   #: record FIELD TEXT  a field of the record the caller gets, as records are printed;
 //                         FIELD may carry an element index, dmxRollWidth[1]
-//   #: pjlsim [PROFILE]   the printer answers: a simulated plotter (the built-in profile, or
-//                         a profile file) on the address of its port IP_a.b.c.d while the
-//                         case runs; the Linux host only
+//   #: pjlsim [PROFILE] [--fault MODE[:QUERY]]... [--delay-ms N] [--address A]
+//                         the printer answers: a simulated plotter (the built-in profile, or
+//                         a profile file, with pjlsim's faults) on the address of its port
+//                         IP_a.b.c.d, or on A, while the case runs. The host runs it itself;
+//                         for the Windows build the Wine run starts the program beforehand
 //   #: data NAME VALUE    a value of the queue's printer data (PrinterDriverData) before the
 //                         sheet opens; VALUE is "dword N" or "binary HEX" (no HEX: empty)
 //   #: stored NAME VALUE  the printer data value the sheet leaves, in the same words
@@ -32,6 +34,18 @@ struct CaseDataValue
     std::vector<unsigned char> bytes; // a DWORD's four, little-endian
 };
 
+// The simulated plotter of a case, in pjlsim's own words.
+struct CasePjlsim
+{
+    std::string profile;             // empty: the built-in one
+    std::vector<std::string> faults; // MODE or MODE:QUERY, as pjlsim --fault takes them
+    std::optional<unsigned> delayMs; // pjlsim's --delay-ms
+    std::string address;             // empty: the address of the queue's port
+};
+
+// Reads the words of a "#: pjlsim" line; false with the reason in *error.
+bool ParseCasePjlsim(const std::string& words, CasePjlsim* pjlsim, std::string* error);
+
 struct ScriptCase
 {
     std::string printer = "Plan 2440";
@@ -42,7 +56,7 @@ struct ScriptCase
     std::vector<std::pair<std::string, std::string>> record;
     std::vector<CaseDataValue> data;
     std::vector<CaseDataValue> stored;
-    std::optional<std::string> pjlsim; // the profile file; empty for the built-in one
+    std::optional<std::string> pjlsim; // the words of "#: pjlsim" (ParseCasePjlsim)
     std::string wineSkip;
 };
 

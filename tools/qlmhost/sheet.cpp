@@ -112,10 +112,13 @@ void CheckCaseData(HANDLE hPrinter, const ScriptCase& scriptCase, const std::str
         DWORD type = 0, cbNeeded = 0;
         DWORD rc = GetPrinterDataW(hPrinter, reinterpret_cast<LPWSTR>(name.data()), &type, nullptr,
                                    0, &cbNeeded);
-        std::vector<BYTE> bytes(cbNeeded);
+        // Room for one byte at least: Wine's spooler answers ERROR_MORE_DATA to a null buffer
+        // even for an empty value.
+        std::vector<BYTE> bytes(cbNeeded ? cbNeeded : 1);
         if (rc == ERROR_MORE_DATA || rc == ERROR_SUCCESS)
             rc = GetPrinterDataW(hPrinter, reinterpret_cast<LPWSTR>(name.data()), &type,
-                                 bytes.empty() ? nullptr : bytes.data(), cbNeeded, &cbNeeded);
+                                 bytes.data(), DWORD(bytes.size()), &cbNeeded);
+        bytes.resize(rc == ERROR_SUCCESS ? cbNeeded : 0);
         const std::string wanted = CaseDataText(want.dword, want.bytes);
         if (rc != ERROR_SUCCESS) {
             failures->push_back(casePath + ": printer data " + want.name + " is not there (" +
@@ -301,8 +304,9 @@ extern const Command g_SheetCommand = {
     "  gets (the queue's stored record for --device); --dump adds each page's controls.\n"
     "  Exit 1 when a script line fails (its line number is named on standard error).\n"
     "  --case runs a script case: its lines \"#: printer NAME\", \"#: sheet device\",\n"
-    "  \"#: mode FLAGS\" choose the sheet, \"#: pjlsim [PROFILE]\" makes its printer answer\n"
-    "  (a simulated plotter at its port's address, Linux only), \"#: set FIELD TEXT\" sets a\n"
-    "  field of the queue's record given as pdmIn, \"#: data NAME dword N|binary HEX\" a printer\n"
-    "  data value, and \"#: result N\", \"#: record FIELD TEXT\", \"#: stored NAME VALUE\"\n"
-    "  say what must come out; what does not is a failure."};
+    "  \"#: mode FLAGS\" choose the sheet, \"#: pjlsim [PROFILE] [--fault MODE[:QUERY]]...\n"
+    "  [--delay-ms N] [--address A]\" makes its printer answer (a simulated plotter at its\n"
+    "  port's address or at A: qlmhost runs it, under Windows it must be there already),\n"
+    "  \"#: set FIELD TEXT\" sets a field of the queue's record given as pdmIn, \"#: data NAME\n"
+    "  dword N|binary HEX\" a printer data value, and \"#: result N\", \"#: record FIELD TEXT\",\n"
+    "  \"#: stored NAME VALUE\" say what must come out; what does not is a failure."};

@@ -2,6 +2,8 @@
 // installed for its simulated user.
 #include "sheetrun.h"
 
+#include "scriptcase.h"
+
 #include "platform/host/host.h"
 #include "platform/host/hostsheet.h"
 
@@ -57,9 +59,13 @@ private:
 
 } // namespace
 
-std::unique_ptr<CasePrinter> StartCasePrinter(const std::string& queue, const std::string& profile,
+// words: those of the case's "#: pjlsim" line.
+std::unique_ptr<CasePrinter> StartCasePrinter(const std::string& queue, const std::string& words,
                                               std::string* error)
 {
+    CasePjlsim setting;
+    if (!ParseCasePjlsim(words, &setting, error))
+        return nullptr;
     host::PrinterRecord printer;
     if (!host::GetPrinterRecord(host::Utf8ToUtf16(queue), &printer)) {
         *error = "no printer named '" + queue + "'";
@@ -71,12 +77,21 @@ std::unique_ptr<CasePrinter> StartCasePrinter(const std::string& queue, const st
         return nullptr;
     }
     std::optional<pjlsim::Profile> loaded =
-        profile.empty() ? pjlsim::ParseProfile(pjlsim::DefaultProfileText(), "built-in", error)
-                        : pjlsim::LoadProfile(profile, error);
+        setting.profile.empty()
+            ? pjlsim::ParseProfile(pjlsim::DefaultProfileText(), "built-in", error)
+            : pjlsim::LoadProfile(setting.profile, error);
     if (!loaded)
         return nullptr;
     pjlsim::ServerOptions options;
-    options.address = port.substr(3);
+    options.address = setting.address.empty() ? port.substr(3) : setting.address;
+    for (const std::string& text : setting.faults) {
+        std::optional<pjlsim::Fault> fault = pjlsim::ParseFault(text, error);
+        if (!fault)
+            return nullptr;
+        options.faults.push_back(*fault);
+    }
+    if (setting.delayMs)
+        options.delayMs = *setting.delayMs;
     auto server = std::make_unique<pjlsim::Server>(std::move(*loaded), options);
     if (!server->Start(error))
         return nullptr;

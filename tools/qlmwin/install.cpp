@@ -2,6 +2,8 @@
 // and queues created on it with AddPrinterW.
 #include "install.h"
 
+#include "driverlib.h"
+
 #include <setupapi.h>
 
 #include <cstdio>
@@ -210,7 +212,7 @@ bool RegisterNetworkMonitor(std::string* error)
 
 } // namespace
 
-int InstallCommand(Args& args, const Options&)
+int InstallCommand(Args& args, const Options& options)
 {
     std::string infPath, queuesPath, error;
     if (!args.Take("--inf", &infPath))
@@ -232,12 +234,27 @@ int InstallCommand(Args& args, const Options&)
     printf("%zu models installed from %s: %s (configuration), %s (data), %s (driver)\n",
            package.models.size(), infPath.c_str(), U(package.configFile).c_str(),
            U(package.dataFile).c_str(), U(package.driverFile).c_str());
+    // The Windows spooler tells the driver of each queue it makes (PRINTER_EVENT_INITIALIZE)
+    // once AddPrinter has made it; Wine's AddPrinterW does not, so the installer does.
+    DriverLibrary driver;
+    using PrinterEventFn = BOOL WINAPI(LPWSTR, INT, DWORD, LPARAM);
+    PrinterEventFn* printerEvent = nullptr;
+    if (!queues.empty()) {
+        if (!driver.Load(options.driverLibrary, &error))
+            return Fail(error);
+        printerEvent = driver.Entry<PrinterEventFn>("DrvPrinterEvent");
+        if (!printerEvent)
+            return Fail("the driver library has no DrvPrinterEvent");
+    }
     for (const auto& queue : queues) {
         WString port = W(queue.size() > 2 ? queue[2] : "LPT1:");
         if (!AddQueue(W(queue[0]), W(queue[1]), port, &error))
             return Fail(error);
-        printf("queue \"%s\" of \"%s\" on %s\n", queue[0].c_str(), queue[1].c_str(),
-               U(port).c_str());
+        WString name = W(queue[0]);
+        BOOL initialized =
+            printerEvent(const_cast<LPWSTR>(P(name)), PRINTER_EVENT_INITIALIZE, 0, 0);
+        printf("queue \"%s\" of \"%s\" on %s%s\n", queue[0].c_str(), queue[1].c_str(),
+               U(port).c_str(), initialized ? "" : " (DrvPrinterEvent answered FALSE)");
     }
     return 0;
 }

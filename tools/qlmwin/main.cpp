@@ -26,6 +26,10 @@ const Command kCommands[] = {
      "Registers qlmnetmon.dll (beside qlmwin.exe) as the port monitor TCPMON.DLL when it is not\n"
      "  yet, and adds the port under it."},
     g_CapsCommand,
+    {"event", "PRINTER initialize|delete|delete-connection|NUMBER [--no-ui] [--json]",
+     "Tells the driver of a queue's life as the spooler does (DrvPrinterEvent).", EventCommand,
+     "initialize fills the queue's stored record from its printer, as install does for each\n"
+     "  queue it makes. Exit 0 when the driver answers TRUE."},
     g_DevmodeDefaultCommand,
     g_DevmodeShowCommand,
     g_DevmodeConvertCommand,
