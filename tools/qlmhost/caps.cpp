@@ -215,6 +215,8 @@ int CapsCommand(Args& args, const Options& options)
         if (app)
             return static_cast<int32_t>(DeviceCapabilitiesW(printer.name(), nullptr, index,
                                                             static_cast<LPWSTR>(output), pDevMode));
+#else
+        (void)app; // the host's spooler hands the question to the export, as below
 #endif
         return static_cast<int32_t>(deviceCapabilities(noHandle ? nullptr : printer.get(),
                                                        printer.name(), index, output, pDevMode));
