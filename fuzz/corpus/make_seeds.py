@@ -27,10 +27,10 @@ def read(path):
         return f.read()
 
 
-def devmode_header(size, extra, spec=0x401, driver=0xC07, name="Fuzz"):
+def devmode_header(size, extra, layout_version=0x401, driver=0xC07, name="Fuzz"):
     """The first 68 bytes of a DEVMODEW: name, versions and the two sizes."""
     device = name.encode("utf-16-le").ljust(64, b"\0")
-    return device + struct.pack("<HHHH", spec, driver, size, extra)
+    return device + struct.pack("<HHHH", layout_version, driver, size, extra)
 
 
 pjl = read(PJL)
@@ -58,7 +58,7 @@ write("exports", "own-older", exports(0x83, 3252, 220, 3032, 0x5049,
                                      devmode_header(220, 3032)))
 write("exports", "foreign-public", exports(0x05, 220, 220, 0, 21,
                                           devmode_header(220, 0, driver=0x0100)))
-write("exports", "nt351", exports(0x02, 188, 188, 0, 35, devmode_header(188, 0, spec=0x320)))
+write("exports", "nt351", exports(0x02, 188, 188, 0, 35, devmode_header(188, 0, layout_version=0x320)))
 write("exports", "short-output", exports(0x01, 40, 220, 13264, 0, devmode_header(220, 13264)))
 
 # Stored state: selector, then (which, number, type, length byte, [length,] bytes) entries.
